@@ -1,0 +1,403 @@
+#include <zelkon/common/control.h>
+#include <zelkon/common/error.h>
+#include <zelkon/common/formfile.h>
+#include <zelkon/common/memorypropertybag.h>
+#include <zelkon/common/registry.h>
+#include <zelkon/common/variants.h>
+
+#include <QFile>
+#include <QJsonArray>
+#include <QJsonDocument>
+#include <QJsonObject>
+#include <QSaveFile>
+
+#include <charconv>
+#include <cmath>
+#include <memory>
+
+namespace zelkon {
+
+namespace {
+
+constexpr int BadFileFormat = 321;
+const QLatin1String formatTag("zelkon-form");
+constexpr int formatVersion = 1;
+
+// Where in the file a fault lies, for the error message.
+class Place
+{
+public:
+    explicit Place(QString path)
+        : m_path(std::move(path))
+    {
+    }
+    [[noreturn]] void fail(const QString &where, const QString &what) const
+    {
+        throw Error(BadFileFormat,
+                    QStringLiteral("%1: %2: %3").arg(m_path, where.isEmpty() ? QStringLiteral("file") : where, what));
+    }
+
+private:
+    QString m_path;
+};
+
+QString exactDouble(double value)
+{
+    char buf[64];
+    const auto r = std::to_chars(buf, buf + sizeof buf, value); // shortest form that reads back
+    return QString::fromLatin1(buf, int(r.ptr - buf));
+}
+
+QString exactFloat(float value)
+{
+    char buf[64];
+    const auto r = std::to_chars(buf, buf + sizeof buf, value);
+    return QString::fromLatin1(buf, int(r.ptr - buf));
+}
+
+template<typename T>
+bool readFloating(const QString &text, T *out)
+{
+    const QByteArray bytes = text.toLatin1();
+    const auto r = std::from_chars(bytes.constData(), bytes.constData() + bytes.size(), *out);
+    return r.ec == std::errc() && r.ptr == bytes.constData() + bytes.size();
+}
+
+QJsonValue encode(const QVariant &value, const QString &where, const QString &path)
+{
+    QJsonObject o;
+    const auto tag = [&](const char *t) { o.insert(QLatin1String("t"), QLatin1String(t)); };
+    if (!value.isValid()) {
+        tag("empty");
+    } else if (IsNull(value)) {
+        tag("null");
+    } else if (IsMissing(value)) {
+        tag("missing");
+    } else if (isVariantArray(value)) {
+        const VariantArray array = value.value<VariantArray>();
+        tag("array");
+        QJsonArray bounds;
+        for (const Bounds &b : array.bounds())
+            bounds.append(QJsonArray{b.lower, b.upper});
+        QJsonArray items;
+        int i = 0;
+        for (const QVariant &item : array.elements())
+            items.append(encode(item, where + QStringLiteral("[%1]").arg(i++), path));
+        o.insert(QLatin1String("bounds"), bounds);
+        o.insert(QLatin1String("items"), items);
+    } else {
+        switch (value.metaType().id()) {
+        case QMetaType::Bool:
+            tag("bool");
+            o.insert(QLatin1String("v"), value.toBool());
+            break;
+        case QMetaType::Short:
+            tag("int16");
+            o.insert(QLatin1String("v"), value.toInt());
+            break;
+        case QMetaType::Int:
+            tag("int32");
+            o.insert(QLatin1String("v"), value.toInt());
+            break;
+        case QMetaType::UInt:
+            tag("uint32");
+            o.insert(QLatin1String("v"), qint64(value.toUInt()));
+            break;
+        case QMetaType::LongLong:
+            tag("int64");
+            o.insert(QLatin1String("v"), QString::number(value.toLongLong()));
+            break;
+        case QMetaType::Float:
+            tag("single");
+            o.insert(QLatin1String("v"), exactFloat(value.toFloat()));
+            break;
+        case QMetaType::Double:
+            tag("double");
+            o.insert(QLatin1String("v"), exactDouble(value.toDouble()));
+            break;
+        case QMetaType::QString:
+            tag("string");
+            o.insert(QLatin1String("v"), value.toString());
+            break;
+        case QMetaType::QDateTime:
+            tag("date");
+            o.insert(QLatin1String("v"), value.toDateTime().toString(QStringLiteral("yyyy-MM-ddTHH:mm:ss.zzz")));
+            break;
+        case QMetaType::QDate:
+            tag("day");
+            o.insert(QLatin1String("v"), value.toDate().toString(Qt::ISODate));
+            break;
+        case QMetaType::QVariantList: {
+            tag("list");
+            QJsonArray items;
+            int i = 0;
+            for (const QVariant &item : value.toList())
+                items.append(encode(item, where + QStringLiteral("[%1]").arg(i++), path));
+            o.insert(QLatin1String("items"), items);
+            break;
+        }
+        default:
+            throw Error(TypeMismatch, QStringLiteral("%1: %2: a value of type %3 cannot be saved")
+                                          .arg(path, where, QLatin1String(value.typeName())));
+        }
+    }
+    return o;
+}
+
+QVariant decode(const QJsonValue &json, const QString &where, const Place &place)
+{
+    if (!json.isObject())
+        place.fail(where, QStringLiteral("a value must be an object with a type tag"));
+    const QJsonObject o = json.toObject();
+    const QString t = o.value(QLatin1String("t")).toString();
+    const QJsonValue v = o.value(QLatin1String("v"));
+    const auto needString = [&]() {
+        if (!v.isString())
+            place.fail(where, QStringLiteral("the value of a %1 must be a string").arg(t));
+        return v.toString();
+    };
+    const auto needInteger = [&](qint64 low, qint64 high) {
+        const double d = v.toDouble(std::nan(""));
+        if (!v.isDouble() || d != std::trunc(d) || d < double(low) || d > double(high))
+            place.fail(where, QStringLiteral("the value of a %1 is out of its range").arg(t));
+        return qint64(d);
+    };
+    if (t == QLatin1String("empty"))
+        return QVariant();
+    if (t == QLatin1String("null"))
+        return nullVariant();
+    if (t == QLatin1String("missing"))
+        return missingVariant();
+    if (t == QLatin1String("bool")) {
+        if (!v.isBool())
+            place.fail(where, QStringLiteral("the value of a bool must be true or false"));
+        return v.toBool();
+    }
+    if (t == QLatin1String("int16"))
+        return QVariant::fromValue(qint16(needInteger(-32768, 32767)));
+    if (t == QLatin1String("int32"))
+        return QVariant::fromValue(qint32(needInteger(-2147483648LL, 2147483647LL)));
+    if (t == QLatin1String("uint32"))
+        return QVariant::fromValue(quint32(needInteger(0, 4294967295LL)));
+    if (t == QLatin1String("int64")) {
+        bool ok = false;
+        const qint64 n = needString().toLongLong(&ok);
+        if (!ok)
+            place.fail(where, QStringLiteral("not a 64-bit integer"));
+        return QVariant::fromValue(n);
+    }
+    if (t == QLatin1String("single")) {
+        float f = 0;
+        if (!readFloating(needString(), &f))
+            place.fail(where, QStringLiteral("not a number"));
+        return QVariant::fromValue(f);
+    }
+    if (t == QLatin1String("double")) {
+        double d = 0;
+        if (!readFloating(needString(), &d))
+            place.fail(where, QStringLiteral("not a number"));
+        return QVariant::fromValue(d);
+    }
+    if (t == QLatin1String("string"))
+        return needString();
+    if (t == QLatin1String("date")) {
+        const QDateTime dt = QDateTime::fromString(needString(), QStringLiteral("yyyy-MM-ddTHH:mm:ss.zzz"));
+        if (!dt.isValid())
+            place.fail(where, QStringLiteral("not a date"));
+        return dt;
+    }
+    if (t == QLatin1String("day")) {
+        const QDate d = QDate::fromString(needString(), Qt::ISODate);
+        if (!d.isValid())
+            place.fail(where, QStringLiteral("not a date"));
+        return d;
+    }
+    if (t == QLatin1String("list")) {
+        const QJsonValue items = o.value(QLatin1String("items"));
+        if (!items.isArray())
+            place.fail(where, QStringLiteral("a list needs its items"));
+        QVariantList list;
+        int i = 0;
+        for (const QJsonValue &item : items.toArray())
+            list.append(decode(item, where + QStringLiteral("[%1]").arg(i++), place));
+        return list;
+    }
+    if (t == QLatin1String("array")) {
+        const QJsonValue boundsJson = o.value(QLatin1String("bounds"));
+        const QJsonValue items = o.value(QLatin1String("items"));
+        if (!boundsJson.isArray() || !items.isArray())
+            place.fail(where, QStringLiteral("an array needs its bounds and items"));
+        QList<Bounds> bounds;
+        for (const QJsonValue &b : boundsJson.toArray()) {
+            const QJsonArray pair = b.toArray();
+            if (pair.size() != 2 || !pair.at(0).isDouble() || !pair.at(1).isDouble())
+                place.fail(where, QStringLiteral("array bounds must be pairs of integers"));
+            bounds.append({qint32(pair.at(0).toInt()), qint32(pair.at(1).toInt())});
+        }
+        VariantArray array;
+        try {
+            array = VariantArray(bounds);
+        } catch (const Error &) {
+            place.fail(where, QStringLiteral("array bounds out of range"));
+        }
+        const QJsonArray itemArray = items.toArray();
+        if (itemArray.size() != array.size())
+            place.fail(where, QStringLiteral("the array holds %1 items where its bounds need %2")
+                                  .arg(itemArray.size())
+                                  .arg(array.size()));
+        // Elements are stored first index fastest; walk the indices in the same order.
+        QList<qint32> index;
+        for (const Bounds &b : bounds)
+            index.append(b.lower);
+        for (qsizetype i = 0; i < itemArray.size(); ++i) {
+            array.at(index) = decode(itemArray.at(i), where + QStringLiteral("[%1]").arg(i), place);
+            for (qsizetype d = 0; d < index.size(); ++d) {
+                if (++index[d] <= bounds.at(d).upper)
+                    break;
+                index[d] = bounds.at(d).lower;
+            }
+        }
+        return QVariant::fromValue(array);
+    }
+    place.fail(where, QStringLiteral("unknown value type \"%1\"").arg(t));
+}
+
+struct ControlSpec
+{
+    QString className;
+    QString name;
+    int index = -1;
+    QRect geometry;
+    MemoryPropertyBag bag;
+};
+
+QString lineAndColumn(const QByteArray &data, int offset)
+{
+    int line = 1;
+    int column = 1;
+    for (int i = 0; i < offset && i < data.size(); ++i) {
+        if (data.at(i) == '\n') {
+            ++line;
+            column = 1;
+        } else {
+            ++column;
+        }
+    }
+    return QStringLiteral("line %1, column %2").arg(line).arg(column);
+}
+
+} // namespace
+
+void saveForm(const QWidget &form, const QString &path)
+{
+    QJsonArray controls;
+    int i = 0;
+    for (Control *control : Control::formControls(&form)) {
+        const QString where = QStringLiteral("control %1 (%2)").arg(i++).arg(control->objectName());
+        MemoryPropertyBag bag;
+        control->WriteProperties(bag);
+        QJsonArray properties;
+        for (const QString &key : bag.keys()) {
+            properties.append(QJsonObject{
+                {QLatin1String("name"), key},
+                {QLatin1String("value"), encode(bag.ReadProperty(key), where + QLatin1Char('.') + key, path)}});
+        }
+        const QRect g = control->geometry();
+        controls.append(QJsonObject{
+            {QLatin1String("class"), QString::fromLatin1(control->metaObject()->className())
+                                         .section(QLatin1String("::"), -1)},
+            {QLatin1String("name"), control->objectName()},
+            {QLatin1String("index"), control->Index()},
+            {QLatin1String("geometry"), QJsonArray{g.x(), g.y(), g.width(), g.height()}},
+            {QLatin1String("properties"), properties},
+        });
+    }
+    const QJsonObject root{{QLatin1String("format"), formatTag},
+                           {QLatin1String("version"), formatVersion},
+                           {QLatin1String("controls"), controls}};
+    QSaveFile file(path);
+    if (!file.open(QIODevice::WriteOnly))
+        throw Error(FileError, QStringLiteral("%1: cannot be written: %2").arg(path, file.errorString()));
+    file.write(QJsonDocument(root).toJson(QJsonDocument::Indented));
+    if (!file.commit())
+        throw Error(FileError, QStringLiteral("%1: cannot be written: %2").arg(path, file.errorString()));
+}
+
+QList<Control *> loadForm(QWidget &form, const QString &path)
+{
+    QFile file(path);
+    if (!file.open(QIODevice::ReadOnly))
+        throw Error(FileError, QStringLiteral("%1: cannot be read: %2").arg(path, file.errorString()));
+    const QByteArray data = file.readAll();
+    const Place place(path);
+    QJsonParseError parseError;
+    const QJsonDocument document = QJsonDocument::fromJson(data, &parseError);
+    if (parseError.error != QJsonParseError::NoError)
+        place.fail(lineAndColumn(data, parseError.offset), parseError.errorString());
+    const QJsonObject root = document.object();
+    if (!document.isObject() || root.value(QLatin1String("format")).toString() != formatTag)
+        place.fail(QString(), QStringLiteral("not a Zelkon form file"));
+    if (root.value(QLatin1String("version")).toInt() != formatVersion)
+        place.fail(QStringLiteral("version"), QStringLiteral("unsupported form file version"));
+    const QJsonValue controlsJson = root.value(QLatin1String("controls"));
+    if (!controlsJson.isArray())
+        place.fail(QStringLiteral("controls"), QStringLiteral("the list of controls is missing"));
+
+    // Everything is read and checked before the form is touched.
+    std::vector<std::unique_ptr<ControlSpec>> specs;
+    const QStringList known = controlClassNames();
+    int i = 0;
+    for (const QJsonValue &entry : controlsJson.toArray()) {
+        const QString where = QStringLiteral("control %1").arg(i++);
+        const QJsonObject o = entry.toObject();
+        auto spec = std::make_unique<ControlSpec>();
+        spec->className = o.value(QLatin1String("class")).toString();
+        if (!entry.isObject() || !known.contains(spec->className))
+            place.fail(where, QStringLiteral("unknown control class \"%1\"").arg(spec->className));
+        spec->name = o.value(QLatin1String("name")).toString();
+        const QJsonValue index = o.value(QLatin1String("index"));
+        if (!index.isDouble() || index.toDouble() != index.toInt())
+            place.fail(where, QStringLiteral("the index must be an integer"));
+        spec->index = index.toInt();
+        const QJsonArray g = o.value(QLatin1String("geometry")).toArray();
+        if (g.size() != 4)
+            place.fail(where, QStringLiteral("the geometry must be four integers"));
+        for (const QJsonValue &n : g) {
+            if (!n.isDouble() || std::fabs(n.toDouble()) > 1e6)
+                place.fail(where, QStringLiteral("the geometry must be four integers"));
+        }
+        spec->geometry = QRect(g.at(0).toInt(), g.at(1).toInt(), qMax(0, g.at(2).toInt()),
+                               qMax(0, g.at(3).toInt()));
+        const QJsonValue properties = o.value(QLatin1String("properties"));
+        if (!properties.isArray())
+            place.fail(where, QStringLiteral("the properties are missing"));
+        for (const QJsonValue &p : properties.toArray()) {
+            const QString key = p.toObject().value(QLatin1String("name")).toString();
+            if (key.isEmpty())
+                place.fail(where, QStringLiteral("a property has no name"));
+            spec->bag.insert(key, decode(p.toObject().value(QLatin1String("value")),
+                                         where + QLatin1Char('.') + key, place));
+        }
+        specs.push_back(std::move(spec));
+    }
+
+    QList<Control *> created;
+    try {
+        for (const auto &spec : specs) {
+            Control *control = createControl(spec->className, &form);
+            created.append(control);
+            control->setObjectName(spec->name);
+            control->setIndex(spec->index);
+            control->setGeometry(spec->geometry);
+            control->ReadProperties(spec->bag);
+        }
+    } catch (...) {
+        qDeleteAll(created);
+        throw;
+    }
+    for (Control *control : std::as_const(created))
+        control->show();
+    return created;
+}
+
+} // namespace zelkon

@@ -1,0 +1,22 @@
+// zelkon::PropertyBag: the container's store of a control's persisted properties.
+#pragma once
+
+#include <zelkon/common/global.h>
+
+#include <QString>
+#include <QVariant>
+
+namespace zelkon {
+
+class ZELKON_EXPORT PropertyBag
+{
+public:
+    virtual ~PropertyBag() = default;
+    virtual QVariant ReadProperty(const QString &name, const QVariant &defaultValue = {}) const = 0;
+    // Keeps nothing when value equals defaultValue (and forgets an older value under that name).
+    virtual void WriteProperty(const QString &name, const QVariant &value,
+                               const QVariant &defaultValue = {})
+        = 0;
+};
+
+} // namespace zelkon
