@@ -5,8 +5,7 @@ namespace zelkon {
 
 CheckClass::CheckClass(QObject *parent)
     : QObject(parent)
-{
-}
+{ }
 
 ZELKON_REGISTER_OBJECT(CheckClass, "CheckClass");
 

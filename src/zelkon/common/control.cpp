@@ -6,8 +6,7 @@ namespace zelkon {
 
 Control::Control(QWidget *parent)
     : QWidget(parent)
-{
-}
+{ }
 
 Control::~Control() = default;
 

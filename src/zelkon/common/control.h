@@ -22,8 +22,8 @@ public:
     explicit Control(QWidget *parent = nullptr);
     ~Control() override;
 
-    virtual void InitProperties();                  // newly placed on a form
-    virtual void ReadProperties(PropertyBag &bag);  // a saved form is opened
+    virtual void InitProperties(); // newly placed on a form
+    virtual void ReadProperties(PropertyBag &bag); // a saved form is opened
     virtual void WriteProperties(PropertyBag &bag); // the form is saved
 
     bool UserMode() const { return m_userMode; }

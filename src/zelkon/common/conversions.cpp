@@ -107,7 +107,10 @@ std::optional<QDateTime> parseDate(const QString &raw, const QLocale &locale)
         return dt.isValid() && dt.date() >= firstValidDate && dt.date() <= lastValidDate;
     };
     static const char *const formats[] = {
-        "yyyy-MM-dd HH:mm:ss", "yyyy-MM-dd HH:mm", "yyyy-MM-ddTHH:mm:ss", "yyyy-MM-ddTHH:mm:ss.zzz",
+        "yyyy-MM-dd HH:mm:ss",
+        "yyyy-MM-dd HH:mm",
+        "yyyy-MM-ddTHH:mm:ss",
+        "yyyy-MM-ddTHH:mm:ss.zzz",
     };
     for (const char *f : formats) {
         const QDateTime dt = QDateTime::fromString(text, QLatin1String(f));
@@ -124,6 +127,17 @@ std::optional<QDateTime> parseDate(const QString &raw, const QLocale &locale)
         const QDate date = locale.toDate(text, type);
         if (date.isValid() && valid(date.startOfDay()))
             return date.startOfDay();
+    }
+    // Short formats often name a two-digit year, while people type all four digits.
+    QString fullYear = locale.dateFormat(QLocale::ShortFormat);
+    if (!fullYear.contains(QLatin1String("yyyy"))) {
+        fullYear.replace(QLatin1String("yy"), QLatin1String("yyyy"));
+        const QDate date = locale.toDate(text, fullYear);
+        if (date.isValid() && valid(date.startOfDay()))
+            return date.startOfDay();
+        const QDateTime dt = locale.toDateTime(text, fullYear + QLatin1String(" HH:mm:ss"));
+        if (valid(dt))
+            return dt;
     }
     return std::nullopt;
 }
@@ -491,7 +505,9 @@ QDateTime DateAdd(const QString &interval, double number, const QDateTime &date)
     case Interval::Hour:
     case Interval::Minute:
     case Interval::Second: {
-        const qint64 unit = kind == Interval::Hour ? 3600000 : kind == Interval::Minute ? 60000 : 1000;
+        const qint64 unit = kind == Interval::Hour ? 3600000
+            : kind == Interval::Minute             ? 60000
+                                                   : 1000;
         if (std::llabs(n) > qint64(4000000) * 86400000 / unit)
             throw Error(InvalidProcedureCall);
         const qint64 total = t.msecsSinceStartOfDay() + n * unit;
@@ -514,7 +530,8 @@ qint64 DateDiff(const QString &interval, const QDateTime &date1, const QDateTime
         typeMismatch();
     const QDate a = date1.date();
     const QDate b = date2.date();
-    const auto floorDiv = [](qint64 x, qint64 y) { return x / y - ((x % y != 0) && ((x < 0) != (y < 0))); };
+    const auto floorDiv
+        = [](qint64 x, qint64 y) { return x / y - ((x % y != 0) && ((x < 0) != (y < 0))); };
     const auto seconds = [&](const QDateTime &dt) {
         return serialBase.daysTo(dt.date()) * 86400 + dt.time().msecsSinceStartOfDay() / 1000;
     };

@@ -46,7 +46,8 @@ ZELKON_EXPORT qint32 LBound(const QVariant &array, int dimension = 1);
 ZELKON_EXPORT QDateTime DateAdd(const QString &interval, double number, const QDateTime &date);
 // Counts the boundaries crossed between the two moments: for "d" and "y" the midnights, so the
 // time of day never counts.
-ZELKON_EXPORT qint64 DateDiff(const QString &interval, const QDateTime &date1, const QDateTime &date2);
+ZELKON_EXPORT qint64 DateDiff(const QString &interval, const QDateTime &date1,
+                              const QDateTime &date2);
 
 // The platform's serial date: days since 1899-12-30, the time as the fraction.
 ZELKON_EXPORT double toSerialDate(const QDateTime &date);

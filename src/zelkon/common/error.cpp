@@ -5,13 +5,11 @@ namespace zelkon {
 Error::Error(int number, const QString &message)
     : std::runtime_error(message.toStdString())
     , m_number(number)
-{
-}
+{ }
 
 Error::Error(int number)
     : Error(number, standardText(number))
-{
-}
+{ }
 
 QString Error::message() const
 {

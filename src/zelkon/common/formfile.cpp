@@ -29,12 +29,12 @@ class Place
 public:
     explicit Place(QString path)
         : m_path(std::move(path))
-    {
-    }
+    { }
     [[noreturn]] void fail(const QString &where, const QString &what) const
     {
         throw Error(BadFileFormat,
-                    QStringLiteral("%1: %2: %3").arg(m_path, where.isEmpty() ? QStringLiteral("file") : where, what));
+                    QStringLiteral("%1: %2: %3")
+                        .arg(m_path, where.isEmpty() ? QStringLiteral("file") : where, what));
     }
 
 private:
@@ -121,7 +121,8 @@ QJsonValue encode(const QVariant &value, const QString &where, const QString &pa
             break;
         case QMetaType::QDateTime:
             tag("date");
-            o.insert(QLatin1String("v"), value.toDateTime().toString(QStringLiteral("yyyy-MM-ddTHH:mm:ss.zzz")));
+            o.insert(QLatin1String("v"),
+                     value.toDateTime().toString(QStringLiteral("yyyy-MM-ddTHH:mm:ss.zzz")));
             break;
         case QMetaType::QDate:
             tag("day");
@@ -137,8 +138,9 @@ QJsonValue encode(const QVariant &value, const QString &where, const QString &pa
             break;
         }
         default:
-            throw Error(TypeMismatch, QStringLiteral("%1: %2: a value of type %3 cannot be saved")
-                                          .arg(path, where, QLatin1String(value.typeName())));
+            throw Error(TypeMismatch,
+                        QStringLiteral("%1: %2: a value of type %3 cannot be saved")
+                            .arg(path, where, QLatin1String(value.typeName())));
         }
     }
     return o;
@@ -201,7 +203,8 @@ QVariant decode(const QJsonValue &json, const QString &where, const Place &place
     if (t == QLatin1String("string"))
         return needString();
     if (t == QLatin1String("date")) {
-        const QDateTime dt = QDateTime::fromString(needString(), QStringLiteral("yyyy-MM-ddTHH:mm:ss.zzz"));
+        const QDateTime dt
+            = QDateTime::fromString(needString(), QStringLiteral("yyyy-MM-ddTHH:mm:ss.zzz"));
         if (!dt.isValid())
             place.fail(where, QStringLiteral("not a date"));
         return dt;
@@ -242,9 +245,10 @@ QVariant decode(const QJsonValue &json, const QString &where, const Place &place
         }
         const QJsonArray itemArray = items.toArray();
         if (itemArray.size() != array.size())
-            place.fail(where, QStringLiteral("the array holds %1 items where its bounds need %2")
-                                  .arg(itemArray.size())
-                                  .arg(array.size()));
+            place.fail(where,
+                       QStringLiteral("the array holds %1 items where its bounds need %2")
+                           .arg(itemArray.size())
+                           .arg(array.size()));
         // Elements are stored first index fastest; walk the indices in the same order.
         QList<qint32> index;
         for (const Bounds &b : bounds)
@@ -298,14 +302,16 @@ void saveForm(const QWidget &form, const QString &path)
         control->WriteProperties(bag);
         QJsonArray properties;
         for (const QString &key : bag.keys()) {
-            properties.append(QJsonObject{
-                {QLatin1String("name"), key},
-                {QLatin1String("value"), encode(bag.ReadProperty(key), where + QLatin1Char('.') + key, path)}});
+            properties.append(
+                QJsonObject{{QLatin1String("name"), key},
+                            {QLatin1String("value"),
+                             encode(bag.ReadProperty(key), where + QLatin1Char('.') + key, path)}});
         }
         const QRect g = control->geometry();
         controls.append(QJsonObject{
-            {QLatin1String("class"), QString::fromLatin1(control->metaObject()->className())
-                                         .section(QLatin1String("::"), -1)},
+            {QLatin1String("class"),
+             QString::fromLatin1(control->metaObject()->className())
+                 .section(QLatin1String("::"), -1)},
             {QLatin1String("name"), control->objectName()},
             {QLatin1String("index"), control->Index()},
             {QLatin1String("geometry"), QJsonArray{g.x(), g.y(), g.width(), g.height()}},
@@ -317,17 +323,20 @@ void saveForm(const QWidget &form, const QString &path)
                            {QLatin1String("controls"), controls}};
     QSaveFile file(path);
     if (!file.open(QIODevice::WriteOnly))
-        throw Error(FileError, QStringLiteral("%1: cannot be written: %2").arg(path, file.errorString()));
+        throw Error(FileError,
+                    QStringLiteral("%1: cannot be written: %2").arg(path, file.errorString()));
     file.write(QJsonDocument(root).toJson(QJsonDocument::Indented));
     if (!file.commit())
-        throw Error(FileError, QStringLiteral("%1: cannot be written: %2").arg(path, file.errorString()));
+        throw Error(FileError,
+                    QStringLiteral("%1: cannot be written: %2").arg(path, file.errorString()));
 }
 
 QList<Control *> loadForm(QWidget &form, const QString &path)
 {
     QFile file(path);
     if (!file.open(QIODevice::ReadOnly))
-        throw Error(FileError, QStringLiteral("%1: cannot be read: %2").arg(path, file.errorString()));
+        throw Error(FileError,
+                    QStringLiteral("%1: cannot be read: %2").arg(path, file.errorString()));
     const QByteArray data = file.readAll();
     const Place place(path);
     QJsonParseError parseError;
@@ -375,8 +384,9 @@ QList<Control *> loadForm(QWidget &form, const QString &path)
             const QString key = p.toObject().value(QLatin1String("name")).toString();
             if (key.isEmpty())
                 place.fail(where, QStringLiteral("a property has no name"));
-            spec->bag.insert(key, decode(p.toObject().value(QLatin1String("value")),
-                                         where + QLatin1Char('.') + key, place));
+            spec->bag.insert(key,
+                             decode(p.toObject().value(QLatin1String("value")),
+                                    where + QLatin1Char('.') + key, place));
         }
         specs.push_back(std::move(spec));
     }

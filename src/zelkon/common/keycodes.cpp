@@ -11,16 +11,17 @@ struct KeyPair
 };
 
 constexpr KeyPair keyTable[] = {
-    {Qt::Key_Backspace, KeyBack}, {Qt::Key_Tab, KeyTab}, {Qt::Key_Backtab, KeyTab},
-    {Qt::Key_Return, KeyReturn}, {Qt::Key_Enter, KeyReturn}, {Qt::Key_Shift, KeyShift},
-    {Qt::Key_Control, KeyControl}, {Qt::Key_Alt, KeyMenu}, {Qt::Key_Escape, KeyEscape},
-    {Qt::Key_Space, KeySpace}, {Qt::Key_PageUp, KeyPageUp}, {Qt::Key_PageDown, KeyPageDown},
-    {Qt::Key_End, KeyEnd}, {Qt::Key_Home, KeyHome}, {Qt::Key_Left, KeyLeft}, {Qt::Key_Up, KeyUp},
-    {Qt::Key_Right, KeyRight}, {Qt::Key_Down, KeyDown}, {Qt::Key_Insert, KeyInsert},
-    {Qt::Key_Delete, KeyDelete}, {Qt::Key_Semicolon, 186}, {Qt::Key_Equal, 187},
-    {Qt::Key_Comma, 188}, {Qt::Key_Minus, 189}, {Qt::Key_Period, 190}, {Qt::Key_Slash, 191},
-    {Qt::Key_QuoteLeft, 192}, {Qt::Key_BracketLeft, 219}, {Qt::Key_Backslash, 220},
-    {Qt::Key_BracketRight, 221}, {Qt::Key_Apostrophe, 222},
+    {Qt::Key_Backspace, KeyBack},  {Qt::Key_Tab, KeyTab},       {Qt::Key_Backtab, KeyTab},
+    {Qt::Key_Return, KeyReturn},   {Qt::Key_Enter, KeyReturn},  {Qt::Key_Shift, KeyShift},
+    {Qt::Key_Control, KeyControl}, {Qt::Key_Alt, KeyMenu},      {Qt::Key_Escape, KeyEscape},
+    {Qt::Key_Space, KeySpace},     {Qt::Key_PageUp, KeyPageUp}, {Qt::Key_PageDown, KeyPageDown},
+    {Qt::Key_End, KeyEnd},         {Qt::Key_Home, KeyHome},     {Qt::Key_Left, KeyLeft},
+    {Qt::Key_Up, KeyUp},           {Qt::Key_Right, KeyRight},   {Qt::Key_Down, KeyDown},
+    {Qt::Key_Insert, KeyInsert},   {Qt::Key_Delete, KeyDelete}, {Qt::Key_Semicolon, 186},
+    {Qt::Key_Equal, 187},          {Qt::Key_Comma, 188},        {Qt::Key_Minus, 189},
+    {Qt::Key_Period, 190},         {Qt::Key_Slash, 191},        {Qt::Key_QuoteLeft, 192},
+    {Qt::Key_BracketLeft, 219},    {Qt::Key_Backslash, 220},    {Qt::Key_BracketRight, 221},
+    {Qt::Key_Apostrophe, 222},
 };
 
 } // namespace

@@ -3,8 +3,8 @@
 
 #include <zelkon/common/global.h>
 
-#include <QMouseEvent>
 #include <QKeyEvent>
+#include <QMouseEvent>
 
 namespace zelkon {
 

@@ -182,8 +182,8 @@ QString NumberPattern::formatSection(const Section &s, double magnitude, bool ne
     while (skip < integerCount && integer[skip] == '0')
         ++skip;
     const int significantInteger = integerCount - skip;
-    const int shownInteger = significantInteger > s.minIntegerDigits ? significantInteger
-                                                                     : s.minIntegerDigits;
+    const int shownInteger
+        = significantInteger > s.minIntegerDigits ? significantInteger : s.minIntegerDigits;
     bool allZero = significantInteger == 0;
     for (int i = 0; allZero && i < fractionCount; ++i)
         allZero = fraction[i] == '0';

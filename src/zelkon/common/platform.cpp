@@ -66,8 +66,8 @@ void Platform::sendKeys(const QString &keys)
         return;
     // Delivered as a real Tab key so that the focus chain of the window decides where it goes,
     // exactly as if the user had pressed it.
-    const Qt::KeyboardModifiers modifiers = keys.startsWith(QLatin1Char('+')) ? Qt::ShiftModifier
-                                                                               : Qt::NoModifier;
+    const Qt::KeyboardModifiers modifiers
+        = keys.startsWith(QLatin1Char('+')) ? Qt::ShiftModifier : Qt::NoModifier;
     const int key = modifiers ? Qt::Key_Backtab : Qt::Key_Tab;
     QKeyEvent press(QEvent::KeyPress, key, modifiers);
     QApplication::sendEvent(focus, &press);

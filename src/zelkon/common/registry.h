@@ -30,10 +30,11 @@ ZELKON_EXPORT QStringList objectClassNames();
 
 } // namespace zelkon
 
-#define ZELKON_REGISTER_CONTROL(Class)                                                             \
-    [[maybe_unused]] static const bool zelkonRegistered##Class = ::zelkon::registerControlClass(  \
-        QStringLiteral(#Class), [](QWidget *parent) -> ::zelkon::Control * { return new Class(parent); })
+#define ZELKON_REGISTER_CONTROL(Class) \
+    [[maybe_unused]] static const bool zelkonRegistered##Class = ::zelkon::registerControlClass( \
+        QStringLiteral(#Class), \
+        [](QWidget *parent) -> ::zelkon::Control * { return new Class(parent); })
 
-#define ZELKON_REGISTER_OBJECT(Class, progId)                                                      \
-    [[maybe_unused]] static const bool zelkonRegistered##Class = ::zelkon::registerObjectClass(   \
+#define ZELKON_REGISTER_OBJECT(Class, progId) \
+    [[maybe_unused]] static const bool zelkonRegistered##Class = ::zelkon::registerObjectClass( \
         QStringLiteral(progId), [](QObject *parent) -> QObject * { return new Class(parent); })

@@ -116,10 +116,10 @@ bool looselyEquals(const QVariant &a, const QVariant &b)
     if (isDateType(a) || isDateType(b)) {
         if (!(isDateType(a) && isDateType(b)))
             return false;
-        const QDateTime x = a.metaType().id() == QMetaType::QDate ? a.toDate().startOfDay()
-                                                                  : a.toDateTime();
-        const QDateTime y = b.metaType().id() == QMetaType::QDate ? b.toDate().startOfDay()
-                                                                  : b.toDateTime();
+        const QDateTime x
+            = a.metaType().id() == QMetaType::QDate ? a.toDate().startOfDay() : a.toDateTime();
+        const QDateTime y
+            = b.metaType().id() == QMetaType::QDate ? b.toDate().startOfDay() : b.toDateTime();
         return x == y;
     }
     double x = 0, y = 0;

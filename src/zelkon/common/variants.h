@@ -11,14 +11,35 @@
 
 namespace zelkon {
 
-inline QVariant emptyVariant() { return QVariant(); }
-inline QVariant nullVariant() { return QVariant::fromValue(nullptr); }
-inline QVariant missingVariant() { return QVariant::fromValue(Missing{}); }
+inline QVariant emptyVariant()
+{
+    return QVariant();
+}
+inline QVariant nullVariant()
+{
+    return QVariant::fromValue(nullptr);
+}
+inline QVariant missingVariant()
+{
+    return QVariant::fromValue(Missing{});
+}
 
-inline bool IsEmpty(const QVariant &v) { return !v.isValid(); }
-inline bool IsNull(const QVariant &v) { return v.metaType() == QMetaType::fromType<std::nullptr_t>(); }
-inline bool IsMissing(const QVariant &v) { return v.metaType() == QMetaType::fromType<Missing>(); }
-inline bool isVariantArray(const QVariant &v) { return v.metaType() == QMetaType::fromType<VariantArray>(); }
+inline bool IsEmpty(const QVariant &v)
+{
+    return !v.isValid();
+}
+inline bool IsNull(const QVariant &v)
+{
+    return v.metaType() == QMetaType::fromType<std::nullptr_t>();
+}
+inline bool IsMissing(const QVariant &v)
+{
+    return v.metaType() == QMetaType::fromType<Missing>();
+}
+inline bool isVariantArray(const QVariant &v)
+{
+    return v.metaType() == QMetaType::fromType<VariantArray>();
+}
 inline bool IsArray(const QVariant &v)
 {
     return v.metaType() == QMetaType::fromType<QVariantList>() || isVariantArray(v);
