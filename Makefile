@@ -1,0 +1,45 @@
+# Everyday commands. `make demo` and `make test` install what a fresh Debian machine lacks first.
+BUILD     ?= build
+SAN_BUILD ?= build-asan
+BENCH_BUILD ?= build-bench
+JOBS      ?= $(shell nproc)
+CMAKE_FLAGS ?=
+
+.PHONY: all deps configure build demo test sanitize bench install format clean
+
+all: build
+
+deps:
+	@scripts/install-deps.sh
+
+configure: deps
+	cmake -S . -B $(BUILD) -DCMAKE_BUILD_TYPE=RelWithDebInfo $(CMAKE_FLAGS)
+
+build: configure
+	cmake --build $(BUILD) -j$(JOBS)
+
+demo: build
+	$(BUILD)/apps/zelkon-demo/zelkon-demo
+
+# The PostgreSQL tests need a server: one is started on 127.0.0.1 for the run when none is given.
+test: build
+	@scripts/run-tests.sh $(BUILD) $(JOBS)
+
+sanitize: deps
+	cmake -S . -B $(SAN_BUILD) -DCMAKE_BUILD_TYPE=Debug -DZELKON_SANITIZE=ON -DZELKON_BUILD_DEMO=OFF $(CMAKE_FLAGS)
+	cmake --build $(SAN_BUILD) -j$(JOBS)
+	@scripts/run-tests.sh $(SAN_BUILD) $(JOBS)
+
+bench: deps
+	cmake -S . -B $(BENCH_BUILD) -DCMAKE_BUILD_TYPE=Release -DZELKON_BUILD_BENCH=ON -DZELKON_BUILD_TESTS=OFF -DZELKON_BUILD_DEMO=OFF
+	cmake --build $(BENCH_BUILD) -j$(JOBS)
+	@for b in $(BENCH_BUILD)/bench/*/bench_*; do [ -x "$$b" ] && QT_QPA_PLATFORM=offscreen "$$b"; done
+
+install: build
+	cmake --install $(BUILD)
+
+format:
+	git ls-files '*.cpp' '*.h' | xargs clang-format -i
+
+clean:
+	rm -rf $(BUILD) $(SAN_BUILD) $(BENCH_BUILD)

@@ -1,0 +1,134 @@
+#include "filterform.h"
+
+#include <zelkon/common/control.h>
+#include <zelkon/common/registry.h>
+#include <zelkon/common/variantarray.h>
+
+#include <QLabel>
+#include <QMetaMethod>
+#include <QSqlDatabase>
+#include <QSqlQuery>
+
+FilterForm::FilterForm(QWidget *parent)
+    : QWidget(parent)
+{
+    setObjectName(QStringLiteral("FilterForm"));
+    setAutoFillBackground(true);
+    m_slots = {
+        {QStringLiteral("CheckCombo"), QStringLiteral("cboRegion"), tr("Regions:"), 0, 0},
+        {QStringLiteral("CheckCombo"), QStringLiteral("cboProduct"), tr("Products:"), 0, 1},
+        {QStringLiteral("RelDate"), QStringLiteral("DateFrom"), tr("Ordered from:"), 1, 0},
+        {QStringLiteral("RelDate"), QStringLiteral("DateTo"), tr("to:"), 1, 1},
+        {QStringLiteral("NumEdit"), QStringLiteral("AmountFrom"), tr("Total from:"), 2, 0},
+        {QStringLiteral("NumEdit"), QStringLiteral("AmountTo"), tr("to:"), 2, 1},
+    };
+    for (const Slot &slot : std::as_const(m_slots)) {
+        auto *label = new QLabel(slot.label, this);
+        const QRect place = placeOf(slot);
+        label->setGeometry(place.x() - labelWidth(), place.y(), labelWidth() - 8, place.height());
+        label->setAlignment(Qt::AlignRight | Qt::AlignVCenter);
+    }
+}
+
+int FilterForm::labelWidth() const
+{
+    return fontMetrics().horizontalAdvance(QStringLiteral("Ordered from:")) + 16;
+}
+
+QRect FilterForm::placeOf(const Slot &slot) const
+{
+    const int rowHeight = fontMetrics().height() + 12;
+    const int fieldWidth = fontMetrics().averageCharWidth() * 28;
+    const int columnWidth = labelWidth() + fieldWidth + 12;
+    return QRect(12 + labelWidth() + slot.column * columnWidth, 12 + slot.row * (rowHeight + 10),
+                 fieldWidth, rowHeight);
+}
+
+QSize FilterForm::sizeHint() const
+{
+    const QRect last = placeOf(m_slots.constLast());
+    return QSize(last.right() + 16, last.bottom() + 16);
+}
+
+void FilterForm::createControls()
+{
+    for (const Slot &slot : std::as_const(m_slots)) {
+        zelkon::Control *control = zelkon::createControl(slot.className, this);
+        if (!control) {
+            auto *note = new QLabel(tr("(%1 is not in this build)").arg(slot.className), this);
+            note->setGeometry(placeOf(slot));
+            note->setEnabled(false);
+            continue;
+        }
+        control->setObjectName(slot.name);
+        control->setAccessibleName(slot.label);
+        control->setGeometry(placeOf(slot));
+        control->InitProperties();
+        watch(control);
+        control->show();
+    }
+}
+
+void FilterForm::fillFromDatabase(const QString &databasePath)
+{
+    m_databasePath = databasePath;
+    const QString connectionName = QStringLiteral("zelkon-demo-fill");
+    {
+        QSqlDatabase db = QSqlDatabase::addDatabase(QStringLiteral("QSQLITE"), connectionName);
+        db.setDatabaseName(databasePath);
+        if (db.open()) {
+            if (zelkon::Control *regions = control(QStringLiteral("cboRegion"))) {
+                // Texts and identifiers as a two-row block: row 0 the names, row 1 the ids.
+                QSqlQuery query(QStringLiteral("SELECT name, id FROM regions ORDER BY id"), db);
+                QList<QPair<QString, int>> rows;
+                while (query.next())
+                    rows.append({query.value(0).toString(), query.value(1).toInt()});
+                zelkon::VariantArray block({{0, 1}, {0, qint32(rows.size()) - 1}});
+                for (qint32 i = 0; i < rows.size(); ++i) {
+                    block.at({0, i}) = rows.at(i).first;
+                    block.at({1, i}) = qint32(rows.at(i).second);
+                }
+                regions->setProperty("TypeData", 2);
+                regions->setProperty("SArrayData", QVariant::fromValue(block));
+            }
+        }
+    }
+    QSqlDatabase::removeDatabase(connectionName);
+}
+
+void FilterForm::adoptControls(const QList<zelkon::Control *> &loaded)
+{
+    qDeleteAll(controls());
+    for (zelkon::Control *control : loaded) {
+        control->setParent(this);
+        watch(control);
+        control->show();
+    }
+}
+
+zelkon::Control *FilterForm::control(const QString &name) const
+{
+    for (zelkon::Control *c : controls()) {
+        if (c->objectName() == name)
+            return c;
+    }
+    return nullptr;
+}
+
+QList<zelkon::Control *> FilterForm::controls() const
+{
+    return zelkon::Control::formControls(this);
+}
+
+void FilterForm::watch(zelkon::Control *control)
+{
+    // The controls are reached by name only, so the form works with whichever classes are built.
+    static const QMetaMethod changed = staticMetaObject.method(
+        staticMetaObject.indexOfSignal("filterChanged()"));
+    const QMetaObject *meta = control->metaObject();
+    for (const char *signal : {"Quite(bool&)", "Change()", "ChangeValue()", "LostFocusEvent()"}) {
+        const int index = meta->indexOfSignal(signal);
+        if (index >= 0)
+            connect(control, meta->method(index), this, changed);
+    }
+}

@@ -1,0 +1,49 @@
+// FilterForm: the demo's filter form, with its controls at fixed places as on a designed form.
+#pragma once
+
+#include <QList>
+#include <QWidget>
+
+namespace zelkon {
+class Control;
+}
+class QLabel;
+
+class FilterForm : public QWidget
+{
+    Q_OBJECT
+public:
+    explicit FilterForm(QWidget *parent = nullptr);
+
+    // Creates every control of the form by class name; a class the library lacks leaves a note.
+    void createControls();
+    // Puts the sample database's rows into the controls that show rows.
+    void fillFromDatabase(const QString &databasePath);
+    // Replaces the form's controls by controls loaded from a form file.
+    void adoptControls(const QList<zelkon::Control *> &controls);
+
+    zelkon::Control *control(const QString &name) const;
+    QList<zelkon::Control *> controls() const;
+
+    QSize sizeHint() const override;
+
+Q_SIGNALS:
+    // A control reported a change the filter depends on.
+    void filterChanged();
+
+private:
+    struct Slot
+    {
+        QString className;
+        QString name;
+        QString label;
+        int row;
+        int column;
+    };
+    QRect placeOf(const Slot &slot) const;
+    int labelWidth() const;
+    void watch(zelkon::Control *control);
+
+    QList<Slot> m_slots;
+    QString m_databasePath;
+};

@@ -1,0 +1,171 @@
+#include "mainwindow.h"
+
+#include "filterform.h"
+#include "wherebuilder.h"
+
+#include <zelkon/common/control.h>
+
+#include <zelkon/common/error.h>
+#include <zelkon/common/formfile.h>
+
+#include <QApplication>
+#include <QFontDatabase>
+#include <QFileDialog>
+#include <QHeaderView>
+#include <QLabel>
+#include <QMenuBar>
+#include <QMessageBox>
+#include <QPlainTextEdit>
+#include <QPushButton>
+#include <QScrollArea>
+#include <QSplitter>
+#include <QSqlDatabase>
+#include <QSqlError>
+#include <QSqlQuery>
+#include <QSqlQueryModel>
+#include <QStatusBar>
+#include <QTableView>
+#include <QTimer>
+#include <QVBoxLayout>
+
+MainWindow::MainWindow(const QString &databasePath, QWidget *parent)
+    : QMainWindow(parent)
+    , m_databasePath(databasePath)
+    , m_connectionName(QStringLiteral("zelkon-demo"))
+    , m_form(new FilterForm)
+    , m_condition(new QPlainTextEdit)
+    , m_rows(new QTableView)
+    , m_model(new QSqlQueryModel(this))
+    , m_count(new QLabel)
+{
+    setWindowTitle(tr("Zelkon demo: orders filter"));
+    QSqlDatabase db = QSqlDatabase::addDatabase(QStringLiteral("QSQLITE"), m_connectionName);
+    db.setDatabaseName(databasePath);
+    db.setConnectOptions(QStringLiteral("QSQLITE_OPEN_READONLY"));
+    db.open();
+
+    QMenu *file = menuBar()->addMenu(tr("&File"));
+    file->addAction(tr("&Open form..."), QKeySequence::Open, this, &MainWindow::openFormFile);
+    file->addAction(tr("&Save form..."), QKeySequence::Save, this, &MainWindow::saveFormFile);
+    file->addSeparator();
+    file->addAction(tr("&Quit"), QKeySequence::Quit, qApp, &QApplication::quit);
+
+    m_form->createControls();
+    m_form->fillFromDatabase(databasePath);
+    auto *formArea = new QScrollArea;
+    formArea->setWidget(m_form);
+    formArea->setWidgetResizable(false);
+    m_form->resize(m_form->sizeHint());
+
+    m_condition->setReadOnly(true);
+    m_condition->setObjectName(QStringLiteral("condition"));
+    m_condition->setAccessibleName(tr("SQL condition"));
+    m_condition->setFont(QFontDatabase::systemFont(QFontDatabase::FixedFont));
+    m_condition->setMaximumHeight(m_condition->fontMetrics().height() * 6);
+    m_rows->setModel(m_model);
+    m_rows->setAccessibleName(tr("Selected orders"));
+    m_rows->horizontalHeader()->setStretchLastSection(true);
+    m_rows->verticalHeader()->hide();
+
+    auto *apply = new QPushButton(tr("&Apply filter"));
+    connect(apply, &QPushButton::clicked, this, &MainWindow::applyFilter);
+    auto *bottom = new QWidget;
+    auto *bottomLayout = new QVBoxLayout(bottom);
+    bottomLayout->setContentsMargins(0, 0, 0, 0);
+    bottomLayout->addWidget(apply, 0, Qt::AlignLeft);
+    bottomLayout->addWidget(m_condition);
+    bottomLayout->addWidget(m_count);
+    bottomLayout->addWidget(m_rows, 1);
+
+    auto *splitter = new QSplitter(Qt::Vertical);
+    splitter->addWidget(formArea);
+    splitter->addWidget(bottom);
+    splitter->setStretchFactor(1, 1);
+    setCentralWidget(splitter);
+    statusBar()->showMessage(tr("Sample database: %1").arg(databasePath));
+
+    // Changes are gathered and applied once the event loop is idle again.
+    auto *pending = new QTimer(this);
+    pending->setSingleShot(true);
+    pending->setInterval(0);
+    connect(pending, &QTimer::timeout, this, &MainWindow::applyFilter);
+    connect(m_form, &FilterForm::filterChanged, pending, qOverload<>(&QTimer::start));
+    resize(m_form->sizeHint().width() + 40, 640);
+    applyFilter();
+}
+
+MainWindow::~MainWindow()
+{
+    m_model->clear();
+    QSqlDatabase::database(m_connectionName, false).close();
+    QSqlDatabase::removeDatabase(m_connectionName);
+}
+
+void MainWindow::applyFilter()
+{
+    WhereBuilder where;
+    where.addCheckList(QStringLiteral("c.region_id"), m_form->control(QStringLiteral("cboRegion")), true);
+    where.addCheckList(QStringLiteral("p.name"), m_form->control(QStringLiteral("cboProduct")), false);
+    where.addDateBound(QStringLiteral("o.order_date"), m_form->control(QStringLiteral("DateFrom")), true);
+    where.addDateBound(QStringLiteral("o.order_date"), m_form->control(QStringLiteral("DateTo")), false);
+    where.addNumberBound(QStringLiteral("o.total"), m_form->control(QStringLiteral("AmountFrom")), true);
+    where.addNumberBound(QStringLiteral("o.total"), m_form->control(QStringLiteral("AmountTo")), false);
+    m_condition->setPlainText(where.describe());
+
+    const QString select = QStringLiteral(
+        "SELECT o.id AS \"Order\", o.order_date AS \"Date\", c.name AS \"Customer\", "
+        "r.name AS \"Region\", p.name AS \"Product\", o.quantity AS \"Qty\", o.total AS \"Total\" "
+        "FROM orders o JOIN customers c ON c.id = o.customer_id "
+        "JOIN regions r ON r.id = c.region_id JOIN products p ON p.id = o.product_id ");
+    QSqlDatabase db = QSqlDatabase::database(m_connectionName);
+    QSqlQuery count(db);
+    count.prepare(QStringLiteral("SELECT COUNT(*) FROM orders o JOIN customers c ON c.id = o.customer_id "
+                                 "JOIN products p ON p.id = o.product_id ")
+                  + where.where());
+    for (const QVariant &value : where.values())
+        count.addBindValue(value);
+    if (count.exec() && count.next())
+        m_count->setText(tr("%n order(s) match", nullptr, count.value(0).toInt()));
+    else
+        m_count->setText(count.lastError().text());
+
+    QSqlQuery query(db);
+    query.prepare(select + where.where() + QStringLiteral(" ORDER BY o.order_date, o.id LIMIT 1000"));
+    for (const QVariant &value : where.values())
+        query.addBindValue(value);
+    query.exec();
+    m_model->setQuery(std::move(query));
+}
+
+void MainWindow::saveFormFile()
+{
+    const QString path = QFileDialog::getSaveFileName(this, tr("Save form"), QString(),
+                                                      tr("Zelkon forms (*.zform)"));
+    if (path.isEmpty())
+        return;
+    try {
+        zelkon::saveForm(*m_form, path);
+        statusBar()->showMessage(tr("Saved %1").arg(path), 5000);
+    } catch (const zelkon::Error &e) {
+        QMessageBox::warning(this, tr("Save form"), e.message());
+    }
+}
+
+void MainWindow::openFormFile()
+{
+    const QString path = QFileDialog::getOpenFileName(this, tr("Open form"), QString(),
+                                                      tr("Zelkon forms (*.zform)"));
+    if (path.isEmpty())
+        return;
+    try {
+        // Loaded aside first, so that a damaged file leaves the form as it is.
+        QWidget staging;
+        const QList<zelkon::Control *> loaded = zelkon::loadForm(staging, path);
+        m_form->adoptControls(loaded);
+        m_form->fillFromDatabase(m_databasePath);
+        applyFilter();
+        statusBar()->showMessage(tr("Opened %1").arg(path), 5000);
+    } catch (const zelkon::Error &e) {
+        QMessageBox::warning(this, tr("Open form"), e.message());
+    }
+}
