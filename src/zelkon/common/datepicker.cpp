@@ -1,0 +1,253 @@
+#include <zelkon/common/datepicker.h>
+#include <zelkon/common/error.h>
+#include <zelkon/common/keycodes.h>
+#include <zelkon/common/platform.h>
+
+#include <QApplication>
+#include <QCalendarWidget>
+#include <QDateTimeEdit>
+#include <QKeyEvent>
+#include <QLineEdit>
+#include <QMouseEvent>
+#include <QRegularExpression>
+#include <QScopedValueRollback>
+
+namespace zelkon {
+
+namespace {
+
+const QString allText = QStringLiteral("All");
+
+// The picker's own format: the locale's short date, always with four-digit years, since a
+// two-digit year would fold every date into one century.
+QString shortDateFormat(const QLocale &locale)
+{
+    QString format = locale.dateFormat(QLocale::ShortFormat);
+    static const QRegularExpression years(QStringLiteral("y+"));
+    format.replace(years, QStringLiteral("yyyy"));
+    return format;
+}
+
+// Picker formats name the half-day marker "tt"; Qt calls it "AP".
+QString qtFormat(const QString &format)
+{
+    QString result = format;
+    result.replace(QStringLiteral("tt"), QStringLiteral("AP"));
+    return result;
+}
+
+} // namespace
+
+DatePicker::DatePicker(QWidget *parent)
+    : QWidget(parent)
+    , m_edit(new QDateTimeEdit(this))
+    , m_all(new QLineEdit(this))
+    , m_value(QDateTime(Platform::current().today(), QTime(0, 0)))
+    , m_min(QDateTime(QDate(1601, 1, 1), QTime(0, 0)))
+    , m_max(QDateTime(QDate(9999, 12, 31), QTime(0, 0)))
+{
+    setFocusPolicy(Qt::StrongFocus);
+    m_edit->setObjectName(QStringLiteral("edit"));
+    m_all->setObjectName(QStringLiteral("all"));
+    m_all->setReadOnly(true);
+    m_all->setText(allText);
+    m_all->hide();
+    m_edit->setCalendarPopup(true);
+    m_edit->setCorrectionMode(QAbstractSpinBox::CorrectToNearestValue);
+
+    m_edit->installEventFilter(this);
+    if (auto *line = m_edit->findChild<QLineEdit *>())
+        line->installEventFilter(this);
+    m_all->installEventFilter(this);
+
+    connect(m_edit, &QDateTimeEdit::dateTimeChanged, this, [this](const QDateTime &edited) {
+        if (m_updating)
+            return;
+        // The edit shows only the sections of the format; the rest of the value is kept.
+        const QDateTime value = clamped(edited);
+        if (value == m_value)
+            return;
+        m_value = value;
+        Q_EMIT Change();
+    });
+
+    applyRange();
+    applyFormat();
+    showValue();
+}
+
+QDateTime DatePicker::clamped(const QDateTime &value) const
+{
+    if (value.date() < m_min.date())
+        return QDateTime(m_min.date(), m_value.time());
+    if (value.date() > m_max.date())
+        return QDateTime(m_max.date(), m_value.time());
+    return value;
+}
+
+void DatePicker::setValue(const QDateTime &value)
+{
+    if (!value.isValid())
+        throw Error(TypeMismatch);
+    const QDateTime v = clamped(value);
+    if (v == m_value)
+        return;
+    m_value = v;
+    showValue();
+    Q_EMIT Change();
+}
+
+void DatePicker::setMinDate(const QDateTime &date)
+{
+    if (!date.isValid())
+        throw Error(TypeMismatch);
+    if (date.date() > m_max.date())
+        throw Error(InvalidProcedureCall);
+    m_min = date;
+    applyRange();
+    setValue(m_value);
+}
+
+void DatePicker::setMaxDate(const QDateTime &date)
+{
+    if (!date.isValid())
+        throw Error(TypeMismatch);
+    if (date.date() < m_min.date())
+        throw Error(InvalidProcedureCall);
+    m_max = date;
+    applyRange();
+    setValue(m_value);
+}
+
+void DatePicker::setCustomFormat(const QString &format)
+{
+    if (format == m_customFormat)
+        return;
+    m_customFormat = format;
+    applyFormat();
+}
+
+void DatePicker::setUpDown(bool upDown)
+{
+    if (upDown == m_upDown)
+        return;
+    m_upDown = upDown;
+    m_edit->setCalendarPopup(!upDown);
+    hookCalendar();
+}
+
+bool DatePicker::showsAll() const
+{
+    return m_customFormat == allText;
+}
+
+void DatePicker::showValue()
+{
+    const QScopedValueRollback<bool> guard(m_updating, true);
+    m_edit->setDateTime(m_value);
+}
+
+void DatePicker::applyRange()
+{
+    const QScopedValueRollback<bool> guard(m_updating, true);
+    m_edit->setDateTimeRange(QDateTime(m_min.date(), QTime(0, 0)),
+                             QDateTime(m_max.date(), QTime(23, 59, 59, 999)));
+    m_edit->setDateTime(m_value);
+}
+
+void DatePicker::applyFormat()
+{
+    QWidget *focus = QApplication::focusWidget();
+    const bool hadFocus = focus && (focus == this || isAncestorOf(focus));
+    if (showsAll()) {
+        m_all->show();
+        m_edit->hide();
+        setFocusProxy(m_all);
+    } else {
+        {
+            const QScopedValueRollback<bool> guard(m_updating, true);
+            const QLocale locale = Platform::current().numberLocale();
+            m_edit->setLocale(locale);
+            m_edit->setDisplayFormat(m_customFormat.isEmpty() ? shortDateFormat(locale)
+                                                              : qtFormat(m_customFormat));
+            m_edit->setDateTime(m_value);
+        }
+        m_edit->show();
+        m_all->hide();
+        setFocusProxy(m_edit);
+        hookCalendar();
+    }
+    if (hadFocus)
+        setFocus();
+}
+
+void DatePicker::hookCalendar()
+{
+    QCalendarWidget *calendar = m_edit->calendarWidget();
+    if (!calendar)
+        return;
+    QWidget *popup = calendar->window();
+    if (popup == m_calendarPopup || popup == window())
+        return;
+    popup->installEventFilter(this);
+    m_calendarPopup = popup;
+    connect(popup, &QObject::destroyed, this, [this, popup] {
+        if (m_calendarPopup == popup)
+            m_calendarPopup = nullptr;
+    });
+}
+
+bool DatePicker::eventFilter(QObject *watched, QEvent *event)
+{
+    if (watched == m_calendarPopup) {
+        if (event->type() == QEvent::Show)
+            Q_EMIT DropDown();
+        else if (event->type() == QEvent::Hide)
+            Q_EMIT CloseUp();
+        return false;
+    }
+    switch (event->type()) {
+    case QEvent::KeyPress: {
+        // A key travels from the focus widget to its parents; it is reported once, where it lands.
+        if (watched != QApplication::focusWidget())
+            break;
+        auto *keyEvent = static_cast<QKeyEvent *>(event);
+        qint16 code = qint16(keyCode(keyEvent));
+        qint16 shift = shiftState(keyEvent->modifiers());
+        const qint16 original = code;
+        Q_EMIT KeyDown(code, shift);
+        if (original != 0 && code == 0)
+            return true;
+        break;
+    }
+    case QEvent::MouseButtonRelease: {
+        auto *mouseEvent = static_cast<QMouseEvent *>(event);
+        auto *widget = static_cast<QWidget *>(watched);
+        if (mouseEvent->button() == Qt::LeftButton
+            && widget->rect().contains(mouseEvent->position().toPoint()))
+            Q_EMIT Click();
+        break;
+    }
+    default:
+        break;
+    }
+    return QWidget::eventFilter(watched, event);
+}
+
+void DatePicker::resizeEvent(QResizeEvent *)
+{
+    m_edit->setGeometry(rect());
+    m_all->setGeometry(rect());
+}
+
+QSize DatePicker::sizeHint() const
+{
+    return m_edit->sizeHint();
+}
+
+QSize DatePicker::minimumSizeHint() const
+{
+    return m_edit->minimumSizeHint();
+}
+
+} // namespace zelkon

@@ -1,0 +1,98 @@
+// zelkon::DatePicker: a date field with a drop-down calendar or spin buttons, clamped to a range.
+#pragma once
+
+#include <zelkon/common/global.h>
+
+#include <QDateTime>
+#include <QWidget>
+
+class QDateTimeEdit;
+class QLineEdit;
+
+namespace zelkon {
+
+class ZELKON_EXPORT DatePicker : public QWidget
+{
+    Q_OBJECT
+    Q_PROPERTY(QDateTime Value READ Value WRITE setValue NOTIFY Change)
+    Q_PROPERTY(QDateTime MinDate READ MinDate WRITE setMinDate)
+    Q_PROPERTY(QDateTime MaxDate READ MaxDate WRITE setMaxDate)
+    Q_PROPERTY(QString CustomFormat READ CustomFormat WRITE setCustomFormat)
+    Q_PROPERTY(bool UpDown READ UpDown WRITE setUpDown)
+    Q_PROPERTY(qint16 Year READ Year)
+    Q_PROPERTY(qint16 Month READ Month)
+    Q_PROPERTY(qint16 Day READ Day)
+    Q_PROPERTY(qint16 DayOfWeek READ DayOfWeek)
+    Q_PROPERTY(qint16 Hour READ Hour)
+    Q_PROPERTY(qint16 Minute READ Minute)
+    Q_PROPERTY(qint16 Second READ Second)
+
+public:
+    explicit DatePicker(QWidget *parent = nullptr);
+
+    QDateTime Value() const { return m_value; }
+    // Clamped to [MinDate, MaxDate] by calendar day: a date outside the range becomes the bound's
+    // day with the picker's current time of day. Raises Change when the value moves, whether the
+    // user or the code moved it. An invalid date throws zelkon::Error 13.
+    void setValue(const QDateTime &value);
+    QDateTime MinDate() const { return m_min; }
+    // Only the calendar day of a bound counts. A bound that would cross the other one throws
+    // zelkon::Error 5 and changes nothing.
+    void setMinDate(const QDateTime &date);
+    QDateTime MaxDate() const { return m_max; }
+    void setMaxDate(const QDateTime &date);
+    // Empty: the short date format of the platform's locale. The text "All" is no format: the
+    // picker then shows the word All instead of a date until another format is set.
+    QString CustomFormat() const { return m_customFormat; }
+    void setCustomFormat(const QString &format);
+    bool UpDown() const { return m_upDown; }
+    void setUpDown(bool upDown);
+
+    qint16 Year() const { return qint16(m_value.date().year()); }
+    qint16 Month() const { return qint16(m_value.date().month()); }
+    qint16 Day() const { return qint16(m_value.date().day()); }
+    // 1 = Sunday .. 7 = Saturday.
+    qint16 DayOfWeek() const { return qint16(m_value.date().dayOfWeek() % 7 + 1); }
+    qint16 Hour() const { return qint16(m_value.time().hour()); }
+    qint16 Minute() const { return qint16(m_value.time().minute()); }
+    qint16 Second() const { return qint16(m_value.time().second()); }
+
+    // Whether the word All is shown instead of a date.
+    bool showsAll() const;
+    QDateTimeEdit *dateEdit() const { return m_edit; }
+
+    QSize sizeHint() const override;
+    QSize minimumSizeHint() const override;
+
+Q_SIGNALS:
+    void Change();
+    void DropDown(); // the calendar opened
+    void CloseUp(); // the calendar closed
+    // A left click on the picker, also on the word All.
+    void Click();
+    // A key pressed in the picker; setting KeyCode to 0 swallows the key.
+    void KeyDown(qint16 &KeyCode, qint16 &Shift);
+
+protected:
+    bool eventFilter(QObject *watched, QEvent *event) override;
+    void resizeEvent(QResizeEvent *event) override;
+
+private:
+    QDateTime clamped(const QDateTime &value) const;
+    void showValue();
+    void applyFormat();
+    void applyRange();
+    void hookCalendar();
+
+    QDateTimeEdit *m_edit;
+    QLineEdit *m_all;
+    QDateTime m_value;
+    QDateTime m_min;
+    QDateTime m_max;
+    QString m_customFormat;
+    bool m_upDown = false;
+    bool m_updating = false;
+    QObject *m_calendarPopup = nullptr;
+};
+
+} // namespace zelkon
