@@ -1,0 +1,37 @@
+// zelkon::DisplayFormat: the grouped text with a fixed count of decimals that NumEdit shows
+// while it is not being edited.
+#pragma once
+
+#include <zelkon/common/global.h>
+#include <zelkon/common/numberpattern.h>
+
+#include <QLocale>
+#include <QString>
+
+namespace zelkon {
+
+class ZELKON_EXPORT DisplayFormat
+{
+public:
+    explicit DisplayFormat(qint16 digits = 0) { setDigits(digits); }
+
+    // "#,##0" for no decimals, else "#,##0." with digits - 1 "#" and a closing "0": the closing
+    // "0" forces every decimal up to it, so the display always shows exactly `digits` decimals.
+    static QString pattern(qint16 digits);
+
+    qint16 digits() const { return m_digits; }
+    // Parses the pattern again only when the count changes.
+    void setDigits(qint16 digits);
+
+    QString format(double value, const QLocale &locale) const;
+    QString format(double value, QChar decimalPoint, QStringView groupSeparator) const
+    {
+        return m_pattern.format(value, decimalPoint, groupSeparator);
+    }
+
+private:
+    qint16 m_digits = -1;
+    NumberPattern m_pattern;
+};
+
+} // namespace zelkon
