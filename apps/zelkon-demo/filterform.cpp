@@ -123,8 +123,8 @@ QList<zelkon::Control *> FilterForm::controls() const
 void FilterForm::watch(zelkon::Control *control)
 {
     // The controls are reached by name only, so the form works with whichever classes are built.
-    static const QMetaMethod changed = staticMetaObject.method(
-        staticMetaObject.indexOfSignal("filterChanged()"));
+    static const QMetaMethod changed
+        = staticMetaObject.method(staticMetaObject.indexOfSignal("filterChanged()"));
     const QMetaObject *meta = control->metaObject();
     for (const char *signal : {"Quite(bool&)", "Change()", "ChangeValue()", "LostFocusEvent()"}) {
         const int index = meta->indexOfSignal(signal);

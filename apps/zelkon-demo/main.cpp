@@ -16,7 +16,8 @@
 int main(int argc, char *argv[])
 {
     const bool noDisplay = qEnvironmentVariableIsEmpty("DISPLAY")
-        && qEnvironmentVariableIsEmpty("WAYLAND_DISPLAY") && qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM");
+        && qEnvironmentVariableIsEmpty("WAYLAND_DISPLAY")
+        && qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM");
 #ifdef Q_OS_LINUX
     if (noDisplay)
         qputenv("QT_QPA_PLATFORM", "offscreen");
@@ -54,7 +55,9 @@ int main(int argc, char *argv[])
         QTimer::singleShot(200, &window, [&window, path] {
             const bool saved = window.grab().save(path);
             if (saved)
-                std::printf("%s\n", qPrintable(QDir::toNativeSeparators(QFileInfo(path).absoluteFilePath())));
+                std::printf(
+                    "%s\n",
+                    qPrintable(QDir::toNativeSeparators(QFileInfo(path).absoluteFilePath())));
             else
                 std::fprintf(stderr, "zelkon-demo: cannot write %s\n", qPrintable(path));
             QApplication::exit(saved ? 0 : 1);

@@ -9,8 +9,8 @@
 #include <zelkon/common/formfile.h>
 
 #include <QApplication>
-#include <QFontDatabase>
 #include <QFileDialog>
+#include <QFontDatabase>
 #include <QHeaderView>
 #include <QLabel>
 #include <QMenuBar>
@@ -104,12 +104,18 @@ MainWindow::~MainWindow()
 void MainWindow::applyFilter()
 {
     WhereBuilder where;
-    where.addCheckList(QStringLiteral("c.region_id"), m_form->control(QStringLiteral("cboRegion")), true);
-    where.addCheckList(QStringLiteral("p.name"), m_form->control(QStringLiteral("cboProduct")), false);
-    where.addDateBound(QStringLiteral("o.order_date"), m_form->control(QStringLiteral("DateFrom")), true);
-    where.addDateBound(QStringLiteral("o.order_date"), m_form->control(QStringLiteral("DateTo")), false);
-    where.addNumberBound(QStringLiteral("o.total"), m_form->control(QStringLiteral("AmountFrom")), true);
-    where.addNumberBound(QStringLiteral("o.total"), m_form->control(QStringLiteral("AmountTo")), false);
+    where.addCheckList(QStringLiteral("c.region_id"), m_form->control(QStringLiteral("cboRegion")),
+                       true);
+    where.addCheckList(QStringLiteral("p.name"), m_form->control(QStringLiteral("cboProduct")),
+                       false);
+    where.addDateBound(QStringLiteral("o.order_date"), m_form->control(QStringLiteral("DateFrom")),
+                       true);
+    where.addDateBound(QStringLiteral("o.order_date"), m_form->control(QStringLiteral("DateTo")),
+                       false);
+    where.addNumberBound(QStringLiteral("o.total"), m_form->control(QStringLiteral("AmountFrom")),
+                         true);
+    where.addNumberBound(QStringLiteral("o.total"), m_form->control(QStringLiteral("AmountTo")),
+                         false);
     m_condition->setPlainText(where.describe());
 
     const QString select = QStringLiteral(
@@ -119,9 +125,10 @@ void MainWindow::applyFilter()
         "JOIN regions r ON r.id = c.region_id JOIN products p ON p.id = o.product_id ");
     QSqlDatabase db = QSqlDatabase::database(m_connectionName);
     QSqlQuery count(db);
-    count.prepare(QStringLiteral("SELECT COUNT(*) FROM orders o JOIN customers c ON c.id = o.customer_id "
-                                 "JOIN products p ON p.id = o.product_id ")
-                  + where.where());
+    count.prepare(
+        QStringLiteral("SELECT COUNT(*) FROM orders o JOIN customers c ON c.id = o.customer_id "
+                       "JOIN products p ON p.id = o.product_id ")
+        + where.where());
     for (const QVariant &value : where.values())
         count.addBindValue(value);
     if (count.exec() && count.next())
@@ -130,7 +137,8 @@ void MainWindow::applyFilter()
         m_count->setText(count.lastError().text());
 
     QSqlQuery query(db);
-    query.prepare(select + where.where() + QStringLiteral(" ORDER BY o.order_date, o.id LIMIT 1000"));
+    query.prepare(select + where.where()
+                  + QStringLiteral(" ORDER BY o.order_date, o.id LIMIT 1000"));
     for (const QVariant &value : where.values())
         query.addBindValue(value);
     query.exec();

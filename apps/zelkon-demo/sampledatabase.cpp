@@ -60,19 +60,24 @@ void SampleDatabase::create(const QString &path)
         if (!db.open())
             throw zelkon::Error(zelkon::DatabaseError, db.lastError().text());
         QSqlQuery q(db);
-        exec(q, QStringLiteral("CREATE TABLE regions (id INTEGER PRIMARY KEY, name TEXT NOT NULL)"));
-        exec(q, QStringLiteral("CREATE TABLE customers (id INTEGER PRIMARY KEY, name TEXT NOT NULL, "
-                               "region_id INTEGER REFERENCES regions(id), city TEXT)"));
-        exec(q, QStringLiteral("CREATE TABLE products (id INTEGER PRIMARY KEY, name TEXT NOT NULL, "
-                               "price REAL NOT NULL)"));
-        exec(q, QStringLiteral("CREATE TABLE orders (id INTEGER PRIMARY KEY, customer_id INTEGER "
-                               "REFERENCES customers(id), product_id INTEGER REFERENCES products(id), "
-                               "order_date TEXT NOT NULL, quantity INTEGER NOT NULL, total REAL NOT NULL)"));
+        exec(q,
+             QStringLiteral("CREATE TABLE regions (id INTEGER PRIMARY KEY, name TEXT NOT NULL)"));
+        exec(q,
+             QStringLiteral("CREATE TABLE customers (id INTEGER PRIMARY KEY, name TEXT NOT NULL, "
+                            "region_id INTEGER REFERENCES regions(id), city TEXT)"));
+        exec(q,
+             QStringLiteral("CREATE TABLE products (id INTEGER PRIMARY KEY, name TEXT NOT NULL, "
+                            "price REAL NOT NULL)"));
+        exec(q,
+             QStringLiteral(
+                 "CREATE TABLE orders (id INTEGER PRIMARY KEY, customer_id INTEGER "
+                 "REFERENCES customers(id), product_id INTEGER REFERENCES products(id), "
+                 "order_date TEXT NOT NULL, quantity INTEGER NOT NULL, total REAL NOT NULL)"));
         db.transaction();
-        const QStringList regions = {
-            QStringLiteral("North"), QStringLiteral("South"), QStringLiteral("East"),
-            QStringLiteral("West"), QStringLiteral("Central"), QStringLiteral("Coast"),
-            QStringLiteral("Highlands"), QStringLiteral("Islands")};
+        const QStringList regions
+            = {QStringLiteral("North"),     QStringLiteral("South"),   QStringLiteral("East"),
+               QStringLiteral("West"),      QStringLiteral("Central"), QStringLiteral("Coast"),
+               QStringLiteral("Highlands"), QStringLiteral("Islands")};
         q.prepare(QStringLiteral("INSERT INTO regions (id, name) VALUES (?, ?)"));
         for (int i = 0; i < regions.size(); ++i) {
             q.addBindValue(i + 1);
@@ -80,23 +85,24 @@ void SampleDatabase::create(const QString &path)
             q.exec();
         }
         Sequence seq;
-        const QStringList first = {
-            QStringLiteral("Alder"), QStringLiteral("Birch"), QStringLiteral("Cedar"),
-            QStringLiteral("Dogwood"), QStringLiteral("Elm"), QStringLiteral("Fir"),
-            QStringLiteral("Ginkgo"), QStringLiteral("Hazel"), QStringLiteral("Ivy"),
-            QStringLiteral("Juniper"), QStringLiteral("Kapok"), QStringLiteral("Larch"),
-            QStringLiteral("Maple"), QStringLiteral("Nutmeg"), QStringLiteral("Oak"),
-            QStringLiteral("Poplar"), QStringLiteral("Quince"), QStringLiteral("Rowan"),
-            QStringLiteral("Spruce"), QStringLiteral("Teak"), QStringLiteral("Willow"),
-            QStringLiteral("Yew"), QStringLiteral("Zelkova")};
-        const QStringList second = {
-            QStringLiteral("Trading"), QStringLiteral("Supplies"), QStringLiteral("Foods"),
-            QStringLiteral("Works"), QStringLiteral("Partners"), QStringLiteral("Logistics"),
-            QStringLiteral("Retail"), QStringLiteral("Systems")};
-        const QStringList cities = {
-            QStringLiteral("Aston"), QStringLiteral("Bury"), QStringLiteral("Crewe"),
-            QStringLiteral("Derby"), QStringLiteral("Ely"), QStringLiteral("Frome")};
-        q.prepare(QStringLiteral("INSERT INTO customers (id, name, region_id, city) VALUES (?, ?, ?, ?)"));
+        const QStringList first
+            = {QStringLiteral("Alder"),   QStringLiteral("Birch"),  QStringLiteral("Cedar"),
+               QStringLiteral("Dogwood"), QStringLiteral("Elm"),    QStringLiteral("Fir"),
+               QStringLiteral("Ginkgo"),  QStringLiteral("Hazel"),  QStringLiteral("Ivy"),
+               QStringLiteral("Juniper"), QStringLiteral("Kapok"),  QStringLiteral("Larch"),
+               QStringLiteral("Maple"),   QStringLiteral("Nutmeg"), QStringLiteral("Oak"),
+               QStringLiteral("Poplar"),  QStringLiteral("Quince"), QStringLiteral("Rowan"),
+               QStringLiteral("Spruce"),  QStringLiteral("Teak"),   QStringLiteral("Willow"),
+               QStringLiteral("Yew"),     QStringLiteral("Zelkova")};
+        const QStringList second
+            = {QStringLiteral("Trading"), QStringLiteral("Supplies"), QStringLiteral("Foods"),
+               QStringLiteral("Works"),   QStringLiteral("Partners"), QStringLiteral("Logistics"),
+               QStringLiteral("Retail"),  QStringLiteral("Systems")};
+        const QStringList cities
+            = {QStringLiteral("Aston"), QStringLiteral("Bury"), QStringLiteral("Crewe"),
+               QStringLiteral("Derby"), QStringLiteral("Ely"),  QStringLiteral("Frome")};
+        q.prepare(QStringLiteral(
+            "INSERT INTO customers (id, name, region_id, city) VALUES (?, ?, ?, ?)"));
         for (int i = 1; i <= 400; ++i) {
             q.addBindValue(i);
             q.addBindValue(QStringLiteral("%1 %2 %3")
@@ -107,18 +113,19 @@ void SampleDatabase::create(const QString &path)
             q.addBindValue(cities.at(seq.below(int(cities.size()))));
             q.exec();
         }
-        const QStringList goods = {
-            QStringLiteral("Bolts"), QStringLiteral("Cable"), QStringLiteral("Drill"),
-            QStringLiteral("Gloves"), QStringLiteral("Hammer"), QStringLiteral("Ladder"),
-            QStringLiteral("Paint"), QStringLiteral("Rope"), QStringLiteral("Saw"),
-            QStringLiteral("Tape")};
+        const QStringList goods
+            = {QStringLiteral("Bolts"),  QStringLiteral("Cable"),  QStringLiteral("Drill"),
+               QStringLiteral("Gloves"), QStringLiteral("Hammer"), QStringLiteral("Ladder"),
+               QStringLiteral("Paint"),  QStringLiteral("Rope"),   QStringLiteral("Saw"),
+               QStringLiteral("Tape")};
         q.prepare(QStringLiteral("INSERT INTO products (id, name, price) VALUES (?, ?, ?)"));
         QList<double> prices;
         for (int i = 1; i <= 120; ++i) {
             const double price = (100 + seq.below(99900)) / 100.0;
             prices.append(price);
             q.addBindValue(i);
-            q.addBindValue(QStringLiteral("%1 No. %2").arg(goods.at(seq.below(int(goods.size())))).arg(i));
+            q.addBindValue(
+                QStringLiteral("%1 No. %2").arg(goods.at(seq.below(int(goods.size())))).arg(i));
             q.addBindValue(price);
             q.exec();
         }

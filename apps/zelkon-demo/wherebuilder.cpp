@@ -36,7 +36,8 @@ void WhereBuilder::addDateBound(const QString &column, const QObject *relDate, b
     const QVariant date = relDate->property("RetDate");
     if (!zelkon::isDateType(date))
         return; // "All": no bound
-    m_conditions.append(QStringLiteral("%1 %2 ?").arg(column, lower ? QStringLiteral(">=") : QStringLiteral("<=")));
+    m_conditions.append(
+        QStringLiteral("%1 %2 ?").arg(column, lower ? QStringLiteral(">=") : QStringLiteral("<=")));
     m_values.append(date.toDateTime().date().toString(Qt::ISODate));
 }
 
@@ -47,7 +48,8 @@ void WhereBuilder::addNumberBound(const QString &column, const QObject *numEdit,
     const double value = numEdit->property("Value").toDouble();
     if (!lower && value == 0)
         return;
-    m_conditions.append(QStringLiteral("%1 %2 ?").arg(column, lower ? QStringLiteral(">=") : QStringLiteral("<=")));
+    m_conditions.append(
+        QStringLiteral("%1 %2 ?").arg(column, lower ? QStringLiteral(">=") : QStringLiteral("<=")));
     m_values.append(value);
 }
 
@@ -65,7 +67,8 @@ QString WhereBuilder::describe() const
         return QStringLiteral("(no condition: every order)");
     QStringList shown;
     for (const QVariant &v : m_values)
-        shown.append(v.typeId() == QMetaType::QString ? QLatin1Char('\'') + v.toString() + QLatin1Char('\'')
-                                                      : zelkon::CStr(v));
+        shown.append(v.typeId() == QMetaType::QString
+                         ? QLatin1Char('\'') + v.toString() + QLatin1Char('\'')
+                         : zelkon::CStr(v));
     return text + QStringLiteral("\n-- bound values: ") + shown.join(QStringLiteral(", "));
 }
