@@ -1,12 +1,13 @@
 #include "filterform.h"
 
 #include <zelkon/common/control.h>
+#include <zelkon/common/ignoreerrors.h>
 #include <zelkon/common/registry.h>
 #include <zelkon/common/variantarray.h>
+#include <zelkon/data/connection.h>
 
 #include <QLabel>
 #include <QMetaMethod>
-#include <QSqlDatabase>
 #include <QSqlQuery>
 
 FilterForm::FilterForm(QWidget *parent)
@@ -69,31 +70,36 @@ void FilterForm::createControls()
     }
 }
 
-void FilterForm::fillFromDatabase(const QString &databasePath)
+void FilterForm::fillFromDatabase(zelkon::Connection *connection)
 {
-    m_databasePath = databasePath;
-    const QString connectionName = QStringLiteral("zelkon-demo-fill");
-    {
-        QSqlDatabase db = QSqlDatabase::addDatabase(QStringLiteral("QSQLITE"), connectionName);
-        db.setDatabaseName(databasePath);
-        if (db.open()) {
-            if (zelkon::Control *regions = control(QStringLiteral("cboRegion"))) {
-                // Texts and identifiers as a two-row block: row 0 the names, row 1 the ids.
-                QSqlQuery query(QStringLiteral("SELECT name, id FROM regions ORDER BY id"), db);
-                QList<QPair<QString, int>> rows;
-                while (query.next())
-                    rows.append({query.value(0).toString(), query.value(1).toInt()});
-                zelkon::VariantArray block({{0, 1}, {0, qint32(rows.size()) - 1}});
-                for (qint32 i = 0; i < rows.size(); ++i) {
-                    block.at({0, i}) = rows.at(i).first;
-                    block.at({1, i}) = qint32(rows.at(i).second);
-                }
-                regions->setProperty("TypeData", 2);
-                regions->setProperty("SArrayData", QVariant::fromValue(block));
-            }
+    if (!connection || !connection->isOpen())
+        return;
+    if (zelkon::Control *regions = control(QStringLiteral("cboRegion"))) {
+        // Texts and identifiers as a two-row block: row 0 the names, row 1 the ids.
+        QSqlQuery query(QStringLiteral("SELECT name, id FROM regions ORDER BY id"),
+                        connection->database());
+        QList<QPair<QString, int>> rows;
+        while (query.next())
+            rows.append({query.value(0).toString(), query.value(1).toInt()});
+        zelkon::VariantArray block({{0, 1}, {0, qint32(rows.size()) - 1}});
+        for (qint32 i = 0; i < rows.size(); ++i) {
+            block.at({0, i}) = rows.at(i).first;
+            block.at({1, i}) = qint32(rows.at(i).second);
         }
+        regions->setProperty("TypeData", 2);
+        regions->setProperty("SArrayData", QVariant::fromValue(block));
     }
-    QSqlDatabase::removeDatabase(connectionName);
+    if (zelkon::Control *products = control(QStringLiteral("cboProduct"))) {
+        // The control opens the command itself; the second field becomes each row's tool tip.
+        // Refresh reports a database error to its caller: the form then shows an empty list.
+        zelkon::attempt([&] {
+            products->setProperty("TypeData", 0);
+            products->setProperty("CommandText",
+                                  QStringLiteral("SELECT name, id FROM products ORDER BY name"));
+            products->setProperty("Connect", QVariant::fromValue<QObject *>(connection));
+            QMetaObject::invokeMethod(products, "Refresh");
+        });
+    }
 }
 
 void FilterForm::adoptControls(const QList<zelkon::Control *> &loaded)

@@ -5,8 +5,9 @@
 #include <QWidget>
 
 namespace zelkon {
+class Connection;
 class Control;
-}
+} // namespace zelkon
 class QLabel;
 
 class FilterForm : public QWidget
@@ -18,7 +19,7 @@ public:
     // Creates every control of the form by class name; a class the library lacks leaves a note.
     void createControls();
     // Puts the sample database's rows into the controls that show rows.
-    void fillFromDatabase(const QString &databasePath);
+    void fillFromDatabase(zelkon::Connection *connection);
     // Replaces the form's controls by controls loaded from a form file.
     void adoptControls(const QList<zelkon::Control *> &controls);
 
@@ -45,5 +46,4 @@ private:
     void watch(zelkon::Control *control);
 
     QList<Slot> m_slots;
-    QString m_databasePath;
 };

@@ -7,6 +7,7 @@
 
 #include <zelkon/common/error.h>
 #include <zelkon/common/formfile.h>
+#include <zelkon/data/connection.h>
 
 #include <QApplication>
 #include <QFileDialog>
@@ -31,7 +32,7 @@
 MainWindow::MainWindow(const QString &databasePath, QWidget *parent)
     : QMainWindow(parent)
     , m_databasePath(databasePath)
-    , m_connectionName(QStringLiteral("zelkon-demo"))
+    , m_connection(new zelkon::Connection(this))
     , m_form(new FilterForm)
     , m_condition(new QPlainTextEdit)
     , m_rows(new QTableView)
@@ -39,10 +40,9 @@ MainWindow::MainWindow(const QString &databasePath, QWidget *parent)
     , m_count(new QLabel)
 {
     setWindowTitle(tr("Zelkon demo: orders filter"));
-    QSqlDatabase db = QSqlDatabase::addDatabase(QStringLiteral("QSQLITE"), m_connectionName);
-    db.setDatabaseName(databasePath);
-    db.setConnectOptions(QStringLiteral("QSQLITE_OPEN_READONLY"));
-    db.open();
+    // Braces keep a path with ';' in it one value.
+    m_connection->Open(QStringLiteral("Driver=QSQLITE;Database={%1};Options=QSQLITE_OPEN_READONLY;")
+                           .arg(databasePath));
 
     QMenu *file = menuBar()->addMenu(tr("&File"));
     file->addAction(tr("&Open form..."), QKeySequence::Open, this, &MainWindow::openFormFile);
@@ -51,7 +51,7 @@ MainWindow::MainWindow(const QString &databasePath, QWidget *parent)
     file->addAction(tr("&Quit"), QKeySequence::Quit, qApp, &QApplication::quit);
 
     m_form->createControls();
-    m_form->fillFromDatabase(databasePath);
+    m_form->fillFromDatabase(m_connection);
     auto *formArea = new QScrollArea;
     formArea->setWidget(m_form);
     formArea->setWidgetResizable(false);
@@ -90,15 +90,13 @@ MainWindow::MainWindow(const QString &databasePath, QWidget *parent)
     pending->setInterval(0);
     connect(pending, &QTimer::timeout, this, &MainWindow::applyFilter);
     connect(m_form, &FilterForm::filterChanged, pending, qOverload<>(&QTimer::start));
-    resize(m_form->sizeHint().width() + 40, 640);
+    resize(qMax(900, m_form->sizeHint().width() + 40), 680);
     applyFilter();
 }
 
 MainWindow::~MainWindow()
 {
     m_model->clear();
-    QSqlDatabase::database(m_connectionName, false).close();
-    QSqlDatabase::removeDatabase(m_connectionName);
 }
 
 void MainWindow::applyFilter()
@@ -123,7 +121,7 @@ void MainWindow::applyFilter()
         "r.name AS \"Region\", p.name AS \"Product\", o.quantity AS \"Qty\", o.total AS \"Total\" "
         "FROM orders o JOIN customers c ON c.id = o.customer_id "
         "JOIN regions r ON r.id = c.region_id JOIN products p ON p.id = o.product_id ");
-    QSqlDatabase db = QSqlDatabase::database(m_connectionName);
+    QSqlDatabase db = m_connection->database();
     QSqlQuery count(db);
     count.prepare(
         QStringLiteral("SELECT COUNT(*) FROM orders o JOIN customers c ON c.id = o.customer_id "
@@ -170,7 +168,7 @@ void MainWindow::openFormFile()
         QWidget staging;
         const QList<zelkon::Control *> loaded = zelkon::loadForm(staging, path);
         m_form->adoptControls(loaded);
-        m_form->fillFromDatabase(m_databasePath);
+        m_form->fillFromDatabase(m_connection);
         applyFilter();
         statusBar()->showMessage(tr("Opened %1").arg(path), 5000);
     } catch (const zelkon::Error &e) {

@@ -4,6 +4,9 @@
 #include <QMainWindow>
 
 class FilterForm;
+namespace zelkon {
+class Connection;
+}
 class QPlainTextEdit;
 class QSqlQueryModel;
 class QTableView;
@@ -23,7 +26,7 @@ private:
     void openFormFile();
 
     QString m_databasePath;
-    QString m_connectionName;
+    zelkon::Connection *m_connection;
     FilterForm *m_form;
     QPlainTextEdit *m_condition;
     QTableView *m_rows;

@@ -46,8 +46,8 @@ void WhereBuilder::addNumberBound(const QString &column, const QObject *numEdit,
     if (!numEdit)
         return;
     const double value = numEdit->property("Value").toDouble();
-    if (!lower && value == 0)
-        return;
+    if (value == 0)
+        return; // an empty amount field sets no bound
     m_conditions.append(
         QStringLiteral("%1 %2 ?").arg(column, lower ? QStringLiteral(">=") : QStringLiteral("<=")));
     m_values.append(value);

@@ -14,7 +14,7 @@ public:
     void addCheckList(const QString &column, const QObject *checkCombo, bool byIdentifier);
     // "column >= ?" / "column <= ?" from a date field unless it holds "All".
     void addDateBound(const QString &column, const QObject *relDate, bool lower);
-    // "column >= ?" / "column <= ?" from a numeric field; an upper bound of 0 means none.
+    // "column >= ?" / "column <= ?" from a numeric field; 0 means no bound.
     void addNumberBound(const QString &column, const QObject *numEdit, bool lower);
 
     QString where() const; // "" when no condition, else "WHERE ..."
