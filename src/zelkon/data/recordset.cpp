@@ -45,50 +45,28 @@ QString tableSql(const QSqlDatabase &db, const QString &table)
     return QStringLiteral("SELECT * FROM ") + driver->escapeIdentifier(name, QSqlDriver::TableName);
 }
 
-struct Result
-{
-    QStringList names;
-    QList<QList<QVariant>> columns;
-    int rows = 0;
-};
-
-Result readAll(const QSqlDatabase &db, const QString &sql)
-{
-    QSqlQuery query(db);
-    query.setForwardOnly(true);
-    // Numeric columns arrive as numbers, not as the driver's exact decimal text.
-    query.setNumericalPrecisionPolicy(QSql::LowPrecisionDouble);
-    if (!query.exec(sql))
-        throw Error(DatabaseCallFailed, query.lastError().text());
-    if (!query.isSelect())
-        throw Error(BadArguments, QStringLiteral("The source returns no records: %1").arg(sql));
-    Result result;
-    const QSqlRecord record = query.record();
-    const int n = record.count();
-    result.names.reserve(n);
-    result.columns.resize(n);
-    for (int i = 0; i < n; ++i)
-        result.names.append(record.fieldName(i));
-    const QVariant null = nullVariant();
-    while (query.next()) {
-        for (int i = 0; i < n; ++i) {
-            QVariant v = query.value(i);
-            if (v.isNull())
-                v = null;
-            else if (v.metaType().id() == QMetaType::QDate)
-                v = QDateTime(v.toDate(), QTime(0, 0)); // dates are date-times everywhere here
-            result.columns[i].append(std::move(v));
-        }
-        ++result.rows;
-    }
-    if (query.lastError().isValid())
-        throw Error(DatabaseCallFailed, query.lastError().text());
-    if (result.rows == std::numeric_limits<int>::max())
-        throw Error(Overflow);
-    return result;
-}
-
 } // namespace
+
+// The values of one column, in blocks of a fixed size: one growing array would be copied at
+// every growth, and blocks this small come back from the allocator warm when a recordset is
+// opened again instead of being faulted in afresh from the system.
+struct Recordset::Column
+{
+    static constexpr int blockBits = 11;
+    static constexpr int blockSize = 1 << blockBits;
+
+    std::vector<std::vector<QVariant>> blocks;
+
+    void append(QVariant &&v)
+    {
+        if (blocks.empty() || blocks.back().size() == blockSize) {
+            blocks.emplace_back();
+            blocks.back().reserve(blockSize);
+        }
+        blocks.back().push_back(std::move(v));
+    }
+    const QVariant &at(int row) const { return blocks[row >> blockBits][row & (blockSize - 1)]; }
+};
 
 Recordset::Recordset(QObject *parent)
     : QObject(parent)
@@ -134,10 +112,47 @@ void Recordset::Open(const QVariant &source, const QVariant &activeConnection,
     else if (type != CommandText)
         table = !std::any_of(text.cbegin(), text.cend(), [](QChar c) { return c.isSpace(); });
 
-    Result result = readAll(db, table ? tableSql(db, text) : text);
-    m_names = std::move(result.names);
-    m_columns = std::move(result.columns);
-    m_rows = result.rows;
+    load(db, table ? tableSql(db, text) : text);
+}
+
+void Recordset::load(const QSqlDatabase &db, const QString &sql)
+{
+    QSqlQuery query(db);
+    query.setForwardOnly(true);
+    // Numeric columns arrive as numbers, not as the driver's exact decimal text.
+    query.setNumericalPrecisionPolicy(QSql::LowPrecisionDouble);
+    if (!query.exec(sql))
+        throw Error(DatabaseCallFailed, query.lastError().text());
+    if (!query.isSelect())
+        throw Error(BadArguments, QStringLiteral("The source returns no records: %1").arg(sql));
+    const QSqlRecord record = query.record();
+    const int n = record.count();
+    QStringList names;
+    names.reserve(n);
+    for (int i = 0; i < n; ++i)
+        names.append(record.fieldName(i));
+    std::vector<Column> columns(n);
+    const QVariant null = nullVariant();
+    int rows = 0;
+    while (query.next()) {
+        if (rows == std::numeric_limits<int>::max())
+            throw Error(Overflow);
+        for (int i = 0; i < n; ++i) {
+            QVariant v = query.value(i);
+            if (v.isNull())
+                v = null;
+            else if (v.metaType().id() == QMetaType::QDate)
+                v = QDateTime(v.toDate(), QTime(0, 0)); // dates are date-times everywhere here
+            columns[i].append(std::move(v));
+        }
+        ++rows;
+    }
+    if (query.lastError().isValid())
+        throw Error(DatabaseCallFailed, query.lastError().text());
+
+    m_names = std::move(names);
+    m_columns = std::move(columns);
+    m_rows = rows;
     m_position = 0;
     m_noMatch = false;
     m_open = true;
@@ -275,11 +290,11 @@ QVariant Recordset::value(int field) const
 QVariant Recordset::value(int field, int row) const
 {
     requireOpen();
-    if (field < 0 || field >= m_columns.size())
+    if (field < 0 || field >= int(m_columns.size()))
         throw Error(ItemNotFound, QStringLiteral("No field number %1").arg(field));
     if (row < 0 || row >= m_rows)
         throw Error(NoCurrentRecord, QStringLiteral("No record number %1").arg(row));
-    return m_columns.at(field).at(row);
+    return m_columns[field].at(row);
 }
 
 zelkon::Fields *Recordset::fields()
@@ -307,7 +322,7 @@ int Recordset::findRow(const QString &criteria, int from, int step) const
         throw Error(
             BadArguments,
             QStringLiteral("The criterion \"%1\" names no field of the recordset").arg(criteria));
-    const QList<QVariant> &values = m_columns.at(column);
+    const Column &values = m_columns[column];
     for (int row = from; row >= 0 && row < m_rows; row += step) {
         if (criterion.matches(values.at(row)))
             return row;

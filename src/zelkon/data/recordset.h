@@ -9,6 +9,10 @@
 #include <QStringList>
 #include <QVariant>
 
+#include <vector>
+
+class QSqlDatabase;
+
 // The C library's EOF macro would turn the property's name into "(-1)" for moc; only moc's own
 // view of this header loses it, C++ code keeps the macro.
 #ifdef Q_MOC_RUN
@@ -96,6 +100,8 @@ public:
     QVariant value(int field, int row) const; // any record's value, row from 0
 
 private:
+    struct Column;
+    void load(const QSqlDatabase &db, const QString &sql);
     void requireOpen() const;
     void requireRecord() const;
     int findRow(const QString &criteria, int from, int step) const; // -1 when none
@@ -105,7 +111,7 @@ private:
     int m_rows = 0;
     int m_position = 0;
     QStringList m_names;
-    QList<QList<QVariant>> m_columns; // column-major: a Find reads one contiguous column
+    std::vector<Column> m_columns; // column-major: a Find reads one column, block after block
     QVariant m_activeConnection;
     zelkon::Fields *m_fields = nullptr;
 };
