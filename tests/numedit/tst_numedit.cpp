@@ -61,6 +61,8 @@ private Q_SLOTS:
     void createdByName();
     void typing_data();
     void typing();
+    void rejectedTextMovesCaretBack_data();
+    void rejectedTextMovesCaretBack();
     void keypadDecimal_data();
     void keypadDecimal();
     void escapeRestoresSavedValue();
@@ -165,6 +167,33 @@ void tst_NumEdit::typing()
     QTEST(form.edit->Value(), "value");
     QTEST(int(changes.count()), "changes");
     QVERIFY(form.platform.beeps() == 0);
+}
+
+void tst_NumEdit::rejectedTextMovesCaretBack_data()
+{
+    QTest::addColumn<QString>("before");
+    QTest::addColumn<int>("caret");
+    QTest::addColumn<QString>("key");
+    QTest::addColumn<int>("after");
+
+    QTest::newRow("sign inside") << "123" << 1 << "-" << 1;
+    QTest::newRow("separator at start") << "1.5" << 0 << "." << 0;
+    QTest::newRow("sign at end") << "42" << 2 << "-" << 2;
+}
+
+void tst_NumEdit::rejectedTextMovesCaretBack()
+{
+    QFETCH(QString, before);
+    QFETCH(int, caret);
+    QFETCH(QString, key);
+    Form form(english);
+    QVERIFY(form.show());
+    form.focusEdit();
+    QTest::keyClicks(form.text1, before);
+    form.text1->setCursorPosition(caret);
+    QTest::keyClicks(form.text1, key);
+    QCOMPARE(form.text1->text(), before);
+    QTEST(form.text1->cursorPosition(), "after");
 }
 
 void tst_NumEdit::keypadDecimal_data()
