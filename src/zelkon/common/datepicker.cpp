@@ -133,7 +133,6 @@ void DatePicker::setUpDown(bool upDown)
         return;
     m_upDown = upDown;
     m_edit->setCalendarPopup(!upDown);
-    hookCalendar();
 }
 
 bool DatePicker::showsAll() const
@@ -175,7 +174,6 @@ void DatePicker::applyFormat()
         m_edit->show();
         m_all->hide();
         setFocusProxy(m_edit);
-        hookCalendar();
     }
     if (hadFocus)
         setFocus();
@@ -191,10 +189,6 @@ void DatePicker::hookCalendar()
         return;
     popup->installEventFilter(this);
     m_calendarPopup = popup;
-    connect(popup, &QObject::destroyed, this, [this, popup] {
-        if (m_calendarPopup == popup)
-            m_calendarPopup = nullptr;
-    });
 }
 
 bool DatePicker::eventFilter(QObject *watched, QEvent *event)
@@ -207,7 +201,12 @@ bool DatePicker::eventFilter(QObject *watched, QEvent *event)
         return false;
     }
     switch (event->type()) {
+    case QEvent::MouseButtonPress:
+        // The calendar is made the first time it may open, and watched from then on.
+        hookCalendar();
+        break;
     case QEvent::KeyPress: {
+        hookCalendar();
         // A key travels from the focus widget to its parents; it is reported once, where it lands.
         if (watched != QApplication::focusWidget())
             break;

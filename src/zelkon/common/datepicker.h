@@ -4,6 +4,7 @@
 #include <zelkon/common/global.h>
 
 #include <QDateTime>
+#include <QPointer>
 #include <QWidget>
 
 class QDateTimeEdit;
@@ -92,7 +93,7 @@ private:
     QString m_customFormat;
     bool m_upDown = false;
     bool m_updating = false;
-    QObject *m_calendarPopup = nullptr;
+    QPointer<QObject> m_calendarPopup;
 };
 
 } // namespace zelkon
