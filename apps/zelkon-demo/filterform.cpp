@@ -2,6 +2,7 @@
 
 #include <zelkon/common/control.h>
 #include <zelkon/common/ignoreerrors.h>
+#include <zelkon/common/memorypropertybag.h>
 #include <zelkon/common/registry.h>
 #include <zelkon/common/variantarray.h>
 #include <zelkon/data/connection.h>
@@ -64,9 +65,43 @@ void FilterForm::createControls()
         control->setObjectName(slot.name);
         control->setAccessibleName(slot.label);
         control->setGeometry(placeOf(slot));
-        control->InitProperties();
+        // Opened as a saved form with nothing changed: every property at its default.
+        zelkon::MemoryPropertyBag defaults;
+        control->ReadProperties(defaults);
         watch(control);
         control->show();
+    }
+    configureControls();
+}
+
+void FilterForm::configureControls()
+{
+    // Everything by name, as a host that knows only the class and member names does.
+    const auto set = [this](const char *name, const char *property, const QVariant &value) {
+        if (zelkon::Control *c = control(QLatin1String(name)))
+            c->setProperty(property, value);
+    };
+    // Order dates: from a year ago (relative, so it moves with today) to any date. The two
+    // fields bound each other and follow each other's mode.
+    for (const char *name : {"DateFrom", "DateTo"}) {
+        set(name, "CheckBoxState", 1);
+        set(name, "MenuStateVisible", true);
+        set(name, "Relative", true);
+    }
+    set("DateFrom", "RetNum", -365);
+    set("DateTo", "RetDate", QStringLiteral("All"));
+    for (const char *name : {"DateFrom", "DateTo"}) {
+        set(name, "GlobalSynchro", 1);
+        set(name, "SynchValue", true);
+    }
+    set("DateFrom", "TopControl", QStringLiteral("DateTo"));
+    set("DateTo", "BootControl", QStringLiteral("DateFrom"));
+    // Amounts: two decimals, negative numbers in red, no negative totals.
+    for (const char *name : {"AmountFrom", "AmountTo"}) {
+        set(name, "DigNum", 2);
+        set(name, "NegTextColor", QVariant::fromValue(quint32(0x0000FF)));
+        set(name, "MaxValue", 99999999.0);
+        set(name, "MinValue", 0.0);
     }
 }
 

@@ -44,6 +44,7 @@ private:
     QRect placeOf(const Slot &slot) const;
     int labelWidth() const;
     void watch(zelkon::Control *control);
+    void configureControls();
 
     QList<Slot> m_slots;
 };
