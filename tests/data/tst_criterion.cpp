@@ -1,4 +1,5 @@
 #include <zelkon/common/error.h>
+#include <zelkon/common/testplatform.h>
 #include <zelkon/common/variants.h>
 #include <zelkon/data/criterion.h>
 
@@ -16,6 +17,9 @@ private Q_SLOTS:
     void refused();
     void columnName_data();
     void columnName();
+
+private:
+    TestPlatform m_platform;
 };
 
 void tst_Criterion::matches_data()

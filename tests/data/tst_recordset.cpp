@@ -1,5 +1,6 @@
 #include <zelkon/common/error.h>
 #include <zelkon/common/registry.h>
+#include <zelkon/common/testplatform.h>
 #include <zelkon/common/variants.h>
 #include <zelkon/data/connection.h>
 #include <zelkon/data/field.h>
@@ -103,6 +104,7 @@ private:
     void createPeople(const QString &connectionString);
     std::unique_ptr<Recordset> openPeople(const QString &connectionString, Connection *connection);
 
+    TestPlatform m_platform;
     QTemporaryDir m_dir;
     QString m_sqlite;
     std::unique_ptr<Connection> m_connection; // kept open for the cases that pass an object
@@ -136,8 +138,9 @@ void tst_Recordset::createPeople(const QString &connectionString)
     Connection connection;
     connection.Open(connectionString);
     QSqlQuery q(connection.database());
+    if (connection.database().tables().contains(u"zelkon_people"_qs))
+        QVERIFY(q.exec(u"DROP TABLE zelkon_people"_qs));
     const QStringList statements = {
-        u"DROP TABLE IF EXISTS zelkon_people"_qs,
         u"CREATE TABLE zelkon_people (id INTEGER, name VARCHAR(40), born DATE, score NUMERIC(6,2),"
         " note VARCHAR(40))"_qs,
         u"INSERT INTO zelkon_people VALUES (1, 'Abc', '2024-01-05', 1.5, 'first')"_qs,

@@ -13,6 +13,8 @@ namespace zelkon {
 
 namespace {
 
+constexpr int maxArguments = 10; // what QMetaMethod::invoke takes
+
 [[noreturn]] void unsupported(const QObject *object, const char *member)
 {
     throw Error(MemberNotSupported,
@@ -31,7 +33,7 @@ QVariant call(QObject *object, const char *name, QVariantList args = {})
     for (int i = 0; i < meta->methodCount(); ++i) {
         const QMetaMethod m = meta->method(i);
         if (m.name() != name || m.parameterCount() < args.size()
-            || m.parameterCount() > int(std::size(std::array<int, 10>{})))
+            || m.parameterCount() > maxArguments)
             continue;
         if (!chosen.isValid() || m.parameterCount() < chosen.parameterCount())
             chosen = m;
@@ -41,7 +43,7 @@ QVariant call(QObject *object, const char *name, QVariantList args = {})
     while (args.size() < chosen.parameterCount())
         args.append(missingVariant());
 
-    std::array<QGenericArgument, 10> generic{};
+    std::array<QGenericArgument, maxArguments> generic{};
     for (int i = 0; i < chosen.parameterCount(); ++i) {
         const QMetaType type = chosen.parameterMetaType(i);
         if (type != QMetaType::fromType<QVariant>() && args[i].metaType() != type) {
@@ -59,9 +61,12 @@ QVariant call(QObject *object, const char *name, QVariantList args = {})
     }
     QVariant result;
     QGenericReturnArgument ret;
-    if (chosen.returnMetaType().isValid() && chosen.returnMetaType().id() != QMetaType::Void) {
-        result = QVariant(chosen.returnMetaType());
-        ret = QGenericReturnArgument(chosen.returnMetaType().name(), result.data());
+    const QMetaType returnType = chosen.returnMetaType();
+    if (returnType == QMetaType::fromType<QVariant>()) {
+        ret = QGenericReturnArgument("QVariant", &result);
+    } else if (returnType.isValid() && returnType.id() != QMetaType::Void) {
+        result = QVariant(returnType);
+        ret = QGenericReturnArgument(returnType.name(), result.data());
     }
     const bool ok = chosen.invoke(object, Qt::DirectConnection, ret, generic[0], generic[1],
                                   generic[2], generic[3], generic[4], generic[5], generic[6],
