@@ -1,0 +1,183 @@
+// zelkon::CheckCombo: a field whose drop-down is a list of check boxes, the filter of a report.
+#pragma once
+
+#include <zelkon/common/control.h>
+
+#include <QElapsedTimer>
+#include <QFont>
+#include <QPointer>
+#include <QVariant>
+
+class QLineEdit;
+class QTimer;
+class QToolButton;
+
+namespace zelkon {
+
+class frmList;
+
+class ZELKON_EXPORT CheckCombo : public Control
+{
+    Q_OBJECT
+    Q_PROPERTY(QString Title READ Title WRITE setTitle)
+    Q_PROPERTY(qint16 MaxLine READ MaxLine WRITE setMaxLine)
+    Q_PROPERTY(qint16 Delay READ Delay WRITE setDelay)
+    Q_PROPERTY(bool Enabled READ Enabled WRITE putEnabled)
+    Q_PROPERTY(bool EditEnabled READ EditEnabled WRITE setEditEnabled)
+    Q_PROPERTY(bool Sorting READ Sorting WRITE setSorting)
+    Q_PROPERTY(bool Inv READ Inv WRITE setInv)
+    Q_PROPERTY(bool SingleCheck READ SingleCheck WRITE setSingleCheck)
+    Q_PROPERTY(bool AllSelect READ AllSelect WRITE setAllSelect)
+    Q_PROPERTY(qint32 Appearance READ Appearance WRITE setAppearance)
+    Q_PROPERTY(qint32 Border READ Border WRITE setBorder)
+    Q_PROPERTY(float Left READ Left WRITE setLeft)
+    Q_PROPERTY(float Top READ Top WRITE setTop)
+    Q_PROPERTY(float Height READ Height WRITE setHeight)
+    Q_PROPERTY(float Width READ Width WRITE setWidth)
+    Q_PROPERTY(QFont Font READ Font WRITE putFont)
+
+    Q_PROPERTY(zelkon::CheckCombo::ExDate TypeData READ TypeData WRITE setTypeData)
+    Q_PROPERTY(QVariant SArrayData READ SArrayData WRITE setSArrayData)
+    Q_PROPERTY(QObject *RecordsetData READ RecordsetData WRITE setRecordsetData)
+    Q_PROPERTY(QString CommandText READ CommandText WRITE setCommandText)
+    Q_PROPERTY(qint32 CommandType READ CommandType WRITE setCommandType)
+    Q_PROPERTY(QObject *Connect READ Connect WRITE setConnect)
+    Q_PROPERTY(QVariant ArrayChecked READ ArrayChecked WRITE setArrayChecked)
+    Q_PROPERTY(QVariant ArrayCheckedID READ ArrayCheckedID WRITE setArrayCheckedID)
+    Q_PROPERTY(QVariant ArrayVisible READ ArrayVisible WRITE setArrayVisible)
+
+public:
+    // Kind of data source.
+    enum ExDate : qint32 { ADOData = 0, DAOData = 1, ArData = 2 };
+    Q_ENUM(ExDate)
+
+    explicit CheckCombo(QWidget *parent = nullptr);
+    ~CheckCombo() override;
+
+    void InitProperties() override;
+    void ReadProperties(PropertyBag &bag) override;
+    void WriteProperties(PropertyBag &bag) override;
+
+    QString Title() const;
+    void setTitle(const QString &title);
+    qint16 MaxLine() const { return m_maxLine; }
+    void setMaxLine(qint16 rows);
+    qint16 Delay() const { return m_delay; }
+    void setDelay(qint16 milliseconds);
+    // Enabled and Font keep their names for hosts that reach them by name; their C++ setters are
+    // named so that they do not hide QWidget::setEnabled and QWidget::setFont.
+    bool Enabled() const;
+    void putEnabled(bool enabled);
+    QFont Font() const;
+    void putFont(const QFont &font);
+    bool EditEnabled() const { return m_editEnabled; }
+    void setEditEnabled(bool enabled);
+    bool Sorting() const { return m_sorting; }
+    void setSorting(bool sorting);
+    bool Inv() const;
+    void setInv(bool inverted);
+    bool SingleCheck() const { return m_singleCheck; }
+    void setSingleCheck(bool single);
+    bool AllSelect() const { return m_allSelect; }
+    void setAllSelect(bool allSelect);
+    qint32 Appearance() const { return m_appearance; }
+    void setAppearance(qint32 appearance);
+    qint32 Border() const { return m_border; }
+    void setBorder(qint32 border);
+    float Left() const { return float(x()); }
+    void setLeft(float left);
+    float Top() const { return float(y()); }
+    void setTop(float top);
+    float Height() const { return float(height()); }
+    void setHeight(float height);
+    float Width() const { return float(width()); }
+    void setWidth(float width);
+
+    ExDate TypeData() const { return m_typeData; }
+    void setTypeData(ExDate type);
+    QVariant SArrayData() const { return m_sourceArray; }
+    void setSArrayData(const QVariant &array);
+    QObject *RecordsetData() const;
+    void setRecordsetData(QObject *recordset);
+    QString CommandText() const { return m_commandText; }
+    void setCommandText(const QString &text);
+    qint32 CommandType() const { return m_commandType.toInt(); }
+    void setCommandType(qint32 type);
+    QObject *Connect() const { return m_connect; }
+    // Stores the connection and opens the rows at once (errors of the open reach the caller).
+    void setConnect(QObject *connection);
+    Q_INVOKABLE void Refresh();
+
+    QVariant ArrayChecked();
+    // Checks the rows with these texts; the variable comes back as the texts checked.
+    void setArrayChecked(QVariant &texts);
+    void setArrayChecked(const QVariant &texts);
+    QVariant ArrayCheckedID();
+    void setArrayCheckedID(QVariant &ids);
+    void setArrayCheckedID(const QVariant &ids);
+    QVariant ArrayVisible() const;
+    void setArrayVisible(const QVariant &rows);
+    Q_INVOKABLE void SelectAll();
+    Q_INVOKABLE void ClearAll();
+
+    // The drop-down: opens it when closed, closes it when open.
+    void dropDown();
+    bool isDroppedDown() const { return m_listOpen; }
+    frmList *ListForm() const { return m_listForm; }
+
+Q_SIGNALS:
+    void Quite(bool Cancel); // the popup closed; the spelling is the one hosts connect to
+    void MouseMove();
+    void Click();
+    void MouseMoveXY(qint16 &Button, qint16 &Shift, float &X, float &Y);
+    void MouseUp(qint16 &Button, qint16 &Shift, float &X, float &Y);
+    void MouseDown(qint16 &Button, qint16 &Shift, float &X, float &Y);
+
+protected:
+    void resizeEvent(QResizeEvent *event) override;
+    bool eventFilter(QObject *watched, QEvent *event) override;
+
+private:
+    void openList();
+    void closeList();
+    void onCheckTime();
+    void ListForm_Change(bool cancel);
+    void ListForm_ChangeInv(bool inverted);
+    void ListForm_UnloadMe();
+    void layoutChildren();
+    void applyLook();
+    void setFieldText(const QString &text);
+    void setTips(const QVariant &texts);
+    // The closed field's text after a change of checks.
+    QString fieldTextFor(const QVariant &texts) const;
+
+    QLineEdit *m_text = nullptr;
+    QToolButton *m_button = nullptr;
+    QTimer *m_checkTime = nullptr;
+    frmList *m_listForm = nullptr;
+
+    qint16 m_maxLine = 5;
+    qint16 m_delay = 1;
+    bool m_editEnabled = true;
+    bool m_sorting = true;
+    bool m_inv = false;
+    bool m_singleCheck = false;
+    bool m_allSelect = false;
+    qint32 m_appearance = 1;
+    qint32 m_border = 1;
+
+    ExDate m_typeData = ADOData;
+    QVariant m_sourceArray;
+    bool m_sourceIs2D = false;
+    bool m_arraySource = false; // the rows came from SArrayData rather than a recordset
+    QString m_commandText;
+    QVariant m_commandType; // Empty until put: the recordset then decides by the text
+    QPointer<QObject> m_connect;
+    QObject *m_ownRecordset = nullptr; // the recordset that Refresh opened
+
+    bool m_listOpen = false;
+    QPointer<QWidget> m_watched;
+    QElapsedTimer m_leftAt; // when the popup last closed because the user left it
+};
+
+} // namespace zelkon

@@ -1,0 +1,157 @@
+// zelkon::frmList: the drop-down window of a CheckCombo and the store of its rows and checks.
+#pragma once
+
+#include <zelkon/checklist/checklistwidget.h>
+#include <zelkon/common/global.h>
+#include <zelkon/dropdown/frmshowhide.h>
+
+#include <QElapsedTimer>
+#include <QPointer>
+#include <QVariant>
+#include <QWidget>
+
+class QAction;
+class QMenu;
+class QTimer;
+
+namespace zelkon {
+
+class ZELKON_EXPORT frmList : public QWidget
+{
+    Q_OBJECT
+    Q_PROPERTY(QVariant SourceArray READ SourceArray WRITE setSourceArray)
+    Q_PROPERTY(bool SourceIs2D READ SourceIs2D)
+    Q_PROPERTY(QObject *SourceRecordset READ SourceRecordset WRITE setSourceRecordset)
+    Q_PROPERTY(qint16 ActiveList READ ActiveList WRITE setActiveList)
+    Q_PROPERTY(QVariant AllItems READ AllItems)
+    Q_PROPERTY(QVariant ArVis READ ArVis WRITE setArVis)
+    Q_PROPERTY(bool ArVisReady READ ArVisReady)
+    Q_PROPERTY(QVariant CheckedTexts READ CheckedTexts WRITE setCheckedTexts)
+    Q_PROPERTY(QVariant CheckedIDs READ CheckedIDs WRITE setCheckedIDs)
+    Q_PROPERTY(bool FieldTips READ FieldTips WRITE setFieldTips)
+    Q_PROPERTY(bool SingleCheck READ SingleCheck WRITE setSingleCheck)
+    Q_PROPERTY(qint32 TypeData READ TypeData WRITE setTypeData)
+    Q_PROPERTY(qint16 MaxLine READ MaxLine WRITE setMaxLine)
+
+public:
+    // How long a popup that the window system has not activated yet is left alone before a
+    // missing activation counts as having left it.
+    static constexpr int ActivationGraceMs = 1000;
+
+    explicit frmList(QWidget *parent = nullptr);
+    ~frmList() override;
+
+    // The store's fields.
+    QVariant SourceArray() const { return m_sourceArray; }
+    void setSourceArray(const QVariant &array) { m_sourceArray = array; }
+    bool SourceIs2D() const { return m_sourceIs2D; }
+    QObject *SourceRecordset() const { return m_sourceRecordset; }
+    void setSourceRecordset(QObject *recordset);
+    qint16 ActiveList() const { return m_activeList; }
+    void setActiveList(qint16 index);
+    QVariant AllItems() const; // 2-D (0 to n-1, 0 to 1): text, identifier; Empty when no rows
+    int snapshotRows() const { return int(m_allItems.size()); }
+    QVariant ArVis() const { return m_arVis; }
+    void setArVis(const QVariant &rows) { m_arVis = rows; }
+    bool ArVisReady() const { return m_arVisReady; }
+    QVariant CheckedTexts() const { return m_checkedTexts; }
+    void setCheckedTexts(const QVariant &texts) { m_checkedTexts = texts; }
+    QVariant CheckedIDs() const { return m_checkedIDs; }
+    void setCheckedIDs(const QVariant &ids) { m_checkedIDs = ids; }
+    bool FieldTips() const { return m_fieldTips; }
+    void setFieldTips(bool on) { m_fieldTips = on; }
+    bool SingleCheck() const { return m_singleCheck; }
+    void setSingleCheck(bool on) { m_singleCheck = on; }
+    qint32 TypeData() const { return m_typeData; }
+    void setTypeData(qint32 type) { m_typeData = type; }
+    qint16 MaxLine() const { return m_maxLine; }
+    void setMaxLine(qint16 rows) { m_maxLine = rows; }
+
+    // The public operations of the store.
+    Q_INVOKABLE void InsertArray();
+    Q_INVOKABLE void InsertRecord();
+    Q_INVOKABLE void ReloadArVis();
+    Q_INVOKABLE void GetChecked();
+    Q_INVOKABLE void RepairCheck();
+    Q_INVOKABLE void RepairCheckID();
+    Q_INVOKABLE void SetInvert(bool value);
+
+    // The operations behind the context menu and the public ones.
+    void CheckAllRows();
+    void UncheckAllRows();
+    void InvertRows();
+    void TakeSnapshot();
+    void RebuildVisibleRows();
+    void ShowHideRows();
+    bool FillShowHideDialog();
+
+    // List(0) (unsorted) and List(1) (sorted); List() is the one in use.
+    CheckListWidget *list(int index) const { return index == 1 ? m_sorted : m_unsorted; }
+    CheckListWidget *List() const { return list(m_activeList); }
+    QTimer *Timer() const { return m_timer; }
+    QMenu *MenuPopUp() const { return m_menu; }
+    QAction *mnuPopup(int index) const;
+    frmShowHide *ShowHideDialog() const { return m_showHideDialog; }
+
+    // Loads the rows for the owner's data source once, when the owner creates the form.
+    void loadRows();
+    // The popup: the height of `rows` rows of the list, shown topmost at the rectangle, activated,
+    // with its activation timer started after `firstDelay` milliseconds.
+    int heightForRows(int rows) const;
+    void popUp(const QRect &geometry, int firstDelay);
+    void popDown();
+
+Q_SIGNALS:
+    // Closed by Esc (Cancel True), by leaving it (False) or after Show/Hide (True).
+    void Change(bool Cancel);
+    // "Not In ..." toggled; the new state.
+    void ChangeInv(bool Inverted);
+    void UnloadMe();
+
+protected:
+    bool eventFilter(QObject *watched, QEvent *event) override;
+    bool event(QEvent *event) override;
+    void keyPressEvent(QKeyEvent *event) override;
+    void resizeEvent(QResizeEvent *event) override;
+
+private:
+    bool handleKey(QKeyEvent *event);
+    void onTimer();
+    void showContextMenu(const QPoint &globalPos);
+    void showRowTip(const QPoint &viewportPos);
+    void onItemChanged(QListWidgetItem *item);
+    // Unchecks every row but `newest` when the single-check rule applies.
+    void applySingleCheck(int newest);
+    // Sets the checks of the rows named, unchecking the rest first; `newest` is the last row
+    // that the caller's sequence checked.
+    void setCheckedRows(const QList<bool> &checked, int newest);
+    void ReloadArVisFor(int rows);
+    QStringList checkedTextsOfList() const;
+
+    CheckListWidget *m_unsorted = nullptr;
+    CheckListWidget *m_sorted = nullptr;
+    QTimer *m_timer = nullptr;
+    QMenu *m_menu = nullptr;
+    QList<QAction *> m_menuItems;
+    QPointer<frmShowHide> m_showHideDialog;
+
+    QVariant m_sourceArray;
+    bool m_sourceIs2D = false;
+    QPointer<QObject> m_sourceRecordset;
+    qint16 m_activeList = 0;
+    QList<CheckRow> m_allItems; // the snapshot; no rows is Empty
+    QVariant m_arVis;
+    bool m_arVisReady = false;
+    QVariant m_checkedTexts;
+    QVariant m_checkedIDs;
+    bool m_fieldTips = false;
+    bool m_singleCheck = false;
+    qint32 m_typeData = 0;
+    qint16 m_maxLine = 5;
+
+    bool m_inSingleCheck = false;
+    bool m_beenActive = false;
+    QElapsedTimer m_openedAt;
+};
+
+} // namespace zelkon
