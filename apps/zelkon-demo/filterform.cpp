@@ -167,7 +167,7 @@ void FilterForm::watch(zelkon::Control *control)
     static const QMetaMethod changed
         = staticMetaObject.method(staticMetaObject.indexOfSignal("filterChanged()"));
     const QMetaObject *meta = control->metaObject();
-    for (const char *signal : {"Quite(bool&)", "Change()", "ChangeValue()", "LostFocusEvent()"}) {
+    for (const char *signal : {"Quite(bool)", "Change()", "ChangeValue()", "LostFocusEvent()"}) {
         const int index = meta->indexOfSignal(signal);
         if (index >= 0)
             connect(control, meta->method(index), this, changed);
