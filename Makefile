@@ -26,7 +26,7 @@ test: build
 	@scripts/run-tests.sh $(BUILD) $(JOBS)
 
 sanitize: deps
-	cmake -S . -B $(SAN_BUILD) -DCMAKE_BUILD_TYPE=Debug -DZELKON_SANITIZE=ON -DZELKON_BUILD_DEMO=OFF $(CMAKE_FLAGS)
+	cmake -S . -B $(SAN_BUILD) -DCMAKE_BUILD_TYPE=Debug -DZELKON_SANITIZE=ON $(CMAKE_FLAGS)
 	cmake --build $(SAN_BUILD) -j$(JOBS)
 	@scripts/run-tests.sh $(SAN_BUILD) $(JOBS)
 
