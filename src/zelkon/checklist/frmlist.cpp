@@ -36,16 +36,35 @@ QVariantList elementsOf(const QVariant &value)
     return {value};
 }
 
-// The element at index i of a one-dimensional array, indices counted from 0.
-QVariant elementAt(const QVariant &array, qint32 i)
+// Reads element i of a one-dimensional array, indices counted from 0, without copying the
+// array per element.
+class ElementReader
 {
-    if (isVariantArray(array))
-        return array.value<VariantArray>().at({i});
-    const QVariantList list = array.toList();
-    if (i < 0 || i >= list.size())
-        throw Error(SubscriptOutOfRange);
-    return list.at(i);
-}
+public:
+    explicit ElementReader(const QVariant &array)
+    {
+        if (isVariantArray(array))
+            m_array = array.value<VariantArray>();
+        else if (array.metaType() == QMetaType::fromType<QVariantList>())
+            m_list = array.toList();
+        else
+            throw Error(TypeMismatch);
+        m_isList = !isVariantArray(array);
+    }
+    const QVariant &at(qint32 i) const
+    {
+        if (!m_isList)
+            return m_array.at({i});
+        if (i < 0 || i >= m_list.size())
+            throw Error(SubscriptOutOfRange);
+        return m_list.at(i);
+    }
+
+private:
+    bool m_isList = true;
+    QVariantList m_list;
+    VariantArray m_array;
+};
 
 } // namespace
 
@@ -166,8 +185,8 @@ QStringList frmList::checkedTextsOfList() const
     QStringList texts;
     const CheckListWidget *l = List();
     for (int i = 0; i < l->count(); ++i) {
-        if (l->item(i)->checkState() == Qt::Checked)
-            texts.append(l->item(i)->text());
+        if (l->isChecked(i))
+            texts.append(l->rowText(i));
     }
     return texts;
 }
@@ -196,10 +215,12 @@ void frmList::InsertArray()
             }
         } else {
             const qint32 upper = UBound(m_sourceArray, 1);
+            const ElementReader array(m_sourceArray);
+            rows.reserve(qMin(upper + 1, CheckListWidget::MaxRows));
             for (qint32 i = 0; i <= upper; ++i) {
                 if (rows.size() == CheckListWidget::MaxRows)
                     throw Error(Overflow);
-                rows.append({CStr(elementAt(m_sourceArray, i))});
+                rows.append({CStr(array.at(i))});
             }
         }
     });
@@ -219,7 +240,7 @@ void frmList::InsertArray()
     if (!m_arVisReady)
         m_arVisReady = true;
     m_allItems = rows;
-    List()->fill(std::move(rows));
+    List()->fill(std::move(rows), true);
 }
 
 void frmList::InsertRecord()
@@ -316,7 +337,7 @@ void frmList::RebuildVisibleRows()
         int newestOrder = -1;
         const CheckListWidget *l = List();
         for (int j = 0; j < l->count(); ++j) {
-            const auto it = savedOrder.constFind(l->item(j)->text());
+            const auto it = savedOrder.constFind(l->rowText(j));
             if (it != savedOrder.cend() && *it >= newestOrder) {
                 newestOrder = *it;
                 newest = j;
@@ -328,23 +349,17 @@ void frmList::RebuildVisibleRows()
 
 void frmList::GetChecked()
 {
-    const CheckListWidget *l = List();
     QVariantList texts;
     QVariantList ids;
-    const int rows = l->count();
-    for (int i = 0; i < rows; ++i) {
-        const QListWidgetItem *item = l->item(i);
-        if (item->checkState() != Qt::Checked)
-            continue;
-        texts.append(item->text());
-        ids.append(l->itemValue(i));
-    }
+    List()->checkedRows(&texts, &ids);
     if (texts.isEmpty()) {
         m_checkedTexts = QVariantList{AllText};
         m_checkedIDs = QVariant();
     } else {
-        m_checkedTexts = texts;
-        m_checkedIDs = ids;
+        texts.squeeze();
+        ids.squeeze();
+        m_checkedTexts = std::move(texts);
+        m_checkedIDs = std::move(ids);
     }
 }
 
@@ -365,7 +380,7 @@ void frmList::RepairCheck()
             QHash<QString, int> firstRow;
             firstRow.reserve(l->count());
             for (int j = l->count() - 1; j >= 0; --j)
-                firstRow.insert(l->item(j)->text(), j);
+                firstRow.insert(l->rowText(j), j);
             for (const QVariant &text : wanted) {
                 QString key;
                 if (!attempt([&] { key = CStr(text); }))

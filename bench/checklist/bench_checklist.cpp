@@ -1,0 +1,101 @@
+// Reloading a full check list with every row checked, against a bare fill of the same rows.
+#include <zelkon/checklist/checkcombo.h>
+#include <zelkon/checklist/frmlist.h>
+
+#include <QApplication>
+#include <QElapsedTimer>
+#include <QListWidget>
+
+#include <benchmark/benchmark.h>
+
+#include <cstdio>
+
+using namespace zelkon;
+
+namespace {
+
+constexpr int Rows = 32767;
+
+// Distinct texts in a scrambled order, so that the sorted list has real sorting to do.
+QVariantList distinctRows()
+{
+    QVariantList rows;
+    rows.reserve(Rows);
+    for (int i = 0; i < Rows; ++i)
+        rows.append(QStringLiteral("Item %1").arg((i * 7919) % Rows, 5, 10, QLatin1Char('0')));
+    return rows;
+}
+
+// The baseline: one checkable item per row added to a shown list widget.
+double bareFill(QListWidget &list, const QVariantList &rows)
+{
+    list.clear();
+    QCoreApplication::processEvents();
+    QElapsedTimer clock;
+    clock.start();
+    for (const QVariant &row : rows) {
+        auto *item = new QListWidgetItem(row.toString());
+        item->setFlags(Qt::ItemIsEnabled | Qt::ItemIsSelectable | Qt::ItemIsUserCheckable);
+        item->setCheckState(Qt::Checked);
+        list.addItem(item);
+    }
+    return clock.nsecsElapsed() / 1e9;
+}
+
+void reloadAllChecked(benchmark::State &state)
+{
+    const bool sorted = state.range(0) != 0;
+    const QVariantList rows = distinctRows();
+    QListWidget bare;
+    bare.resize(200, 300);
+    bare.show();
+
+    CheckCombo combo;
+    combo.setSorting(sorted);
+    combo.setTypeData(CheckCombo::ArData);
+    combo.setSArrayData(rows);
+
+    double reloadSeconds = 0;
+    double bareSeconds = 0;
+    for (auto _ : state) {
+        combo.ListForm()->CheckAllRows();
+        QCoreApplication::processEvents();
+        QElapsedTimer clock;
+        clock.start();
+        combo.setSArrayData(rows);
+        const double seconds = clock.nsecsElapsed() / 1e9;
+        state.SetIterationTime(seconds);
+        reloadSeconds += seconds;
+        bareSeconds += bareFill(bare, rows);
+        if (combo.ListForm()->List()->checkedCount() != Rows)
+            state.SkipWithError("checks were lost in the reload");
+    }
+    const double ratio = reloadSeconds / bareSeconds;
+    state.counters["ratio_to_bare_fill"] = ratio;
+    std::printf("%s reload of %d checked rows: %.1f ms, bare fill %.1f ms, ratio %.2f\n",
+                sorted ? "sorted" : "unsorted", Rows, 1e3 * reloadSeconds / state.iterations(),
+                1e3 * bareSeconds / state.iterations(), ratio);
+}
+
+} // namespace
+
+BENCHMARK(reloadAllChecked)
+    ->ArgName("sorted")
+    ->Arg(0)
+    ->Arg(1)
+    ->UseManualTime()
+    ->Unit(benchmark::kMillisecond)
+    ->Iterations(5);
+
+int main(int argc, char **argv)
+{
+    if (qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM"))
+        qputenv("QT_QPA_PLATFORM", "offscreen");
+    QApplication app(argc, argv);
+    benchmark::Initialize(&argc, argv);
+    if (benchmark::ReportUnrecognizedArguments(argc, argv))
+        return 1;
+    benchmark::RunSpecifiedBenchmarks();
+    benchmark::Shutdown();
+    return 0;
+}
