@@ -377,7 +377,9 @@ void CheckCombo::setSArrayData(const QVariant &array)
     m_listForm->RepairCheck();
     m_listForm->setFieldTips(false);
 
-    m_listForm->GetChecked();
+    // A list with rows had its checks read back by RepairCheck a moment ago.
+    if (m_listForm->List()->count() == 0)
+        m_listForm->GetChecked();
     const QVariantList checked = elementsOf(m_listForm->CheckedTexts());
     if (checked.isEmpty())
         setFieldText(AllText);
