@@ -2,10 +2,12 @@
 
 #include <zelkon/common/error.h>
 
+#include <QScrollBar>
 #include <QSignalBlocker>
 
 #include <algorithm>
-#include <numeric>
+#include <string_view>
+#include <utility>
 #include <vector>
 
 namespace zelkon {
@@ -75,6 +77,12 @@ public:
     qint32 id() const { return m_id; }
     bool checked() const { return m_checked; }
     void setCheckedQuietly(bool checked) { m_checked = checked; }
+    void assignQuietly(const CheckRow &row)
+    {
+        m_text = row.text;
+        m_id = row.id;
+        m_checked = row.checked;
+    }
 
 private:
     QString m_text;
@@ -85,6 +93,26 @@ private:
 CheckItem *checkItem(QListWidgetItem *item)
 {
     return item && item->type() == CheckItemType ? static_cast<CheckItem *>(item) : nullptr;
+}
+
+// Appends the text's case folding. Most row texts are plain ASCII, where folding is lowering
+// A to Z; anything else takes the full Unicode case folding.
+void appendFolded(std::vector<char16_t> &keys, const QString &text)
+{
+    const size_t start = keys.size();
+    const auto *from = reinterpret_cast<const char16_t *>(text.constData());
+    const qsizetype size = text.size();
+    for (qsizetype i = 0; i < size; ++i) {
+        const char16_t c = from[i];
+        if (c >= 0x80) {
+            keys.resize(start);
+            const QString folded = text.toCaseFolded();
+            const auto *f = reinterpret_cast<const char16_t *>(folded.constData());
+            keys.insert(keys.end(), f, f + folded.size());
+            return;
+        }
+        keys.push_back(c >= u'A' && c <= u'Z' ? char16_t(c + 32) : c);
+    }
 }
 
 } // namespace
@@ -98,50 +126,111 @@ CheckListWidget::CheckListWidget(bool sorted, QWidget *parent)
     setSelectionMode(QAbstractItemView::SingleSelection);
 }
 
-QString CheckListWidget::foldedKey(const QString &text)
-{
-    // Most row texts are plain ASCII, where folding is lowering A to Z; anything else takes the
-    // full Unicode case folding.
-    const qsizetype n = text.size();
-    QString key(n, Qt::Uninitialized);
-    const auto *from = reinterpret_cast<const char16_t *>(text.constData());
-    auto *to = reinterpret_cast<char16_t *>(key.data());
-    for (qsizetype i = 0; i < n; ++i) {
-        const char16_t c = from[i];
-        if (c >= 0x80)
-            return text.toCaseFolded();
-        to[i] = c >= u'A' && c <= u'Z' ? char16_t(c + 32) : c;
-    }
-    return key;
-}
-
-bool CheckListWidget::lessThan(const QString &a, const QString &b)
-{
-    return foldedKey(a) < foldedKey(b);
-}
-
 void CheckListWidget::sortRows(QList<CheckRow> &rows)
 {
-    // Each text is folded once, not once per comparison.
     const qsizetype n = rows.size();
-    QList<QString> keys;
-    keys.reserve(n);
+    if (n < 2)
+        return;
+    // Every text is folded once, into one buffer: keys[start[i], start[i + 1]) is row i's key.
+    std::vector<char16_t> keys;
+    std::vector<qsizetype> start;
+    start.reserve(static_cast<size_t>(n) + 1);
+    qsizetype total = 0;
     for (const CheckRow &row : std::as_const(rows))
-        keys.append(foldedKey(row.text));
+        total += row.text.size();
+    keys.reserve(static_cast<size_t>(total));
+    for (const CheckRow &row : std::as_const(rows)) {
+        start.push_back(qsizetype(keys.size()));
+        appendFolded(keys, row.text);
+    }
+    start.push_back(qsizetype(keys.size()));
+    const auto key = [&](qsizetype i) {
+        return std::u16string_view(keys.data() + start[size_t(i)],
+                                   size_t(start[size_t(i) + 1] - start[size_t(i)]));
+    };
+
     bool inOrder = true;
     for (qsizetype i = 1; i < n && inOrder; ++i)
-        inOrder = !(keys.at(i) < keys.at(i - 1));
+        inOrder = !(key(i) < key(i - 1));
     if (inOrder)
         return;
-    std::vector<qsizetype> order(static_cast<size_t>(n));
-    std::iota(order.begin(), order.end(), 0);
-    std::stable_sort(order.begin(), order.end(),
-                     [&keys](qsizetype a, qsizetype b) { return keys.at(a) < keys.at(b); });
-    QList<CheckRow> sorted;
-    sorted.reserve(n);
-    for (qsizetype i : order)
-        sorted.append(std::move(rows[i]));
-    rows = std::move(sorted);
+
+    // Keys often share a long beginning (codes, numbered names). The code units after the part
+    // that all keys share, packed into one integer (as many as fit: nine when the keys are
+    // ASCII), decide most comparisons.
+    size_t common = key(0).size();
+    for (qsizetype i = 1; i < n && common > 0; ++i) {
+        const std::u16string_view a = key(0), b = key(i);
+        size_t same = 0;
+        const size_t limit = std::min({common, a.size(), b.size()});
+        while (same < limit && a[same] == b[same])
+            ++same;
+        common = same;
+    }
+    const char16_t highest = *std::max_element(keys.cbegin(), keys.cend());
+    const int bits = highest < 0x80 ? 7 : highest < 0x100 ? 8 : 16;
+    const size_t units = size_t(64 / bits);
+    struct Entry
+    {
+        quint64 head; // the packed units, the first in the highest bits; 0 past the end
+        qsizetype row;
+    };
+    std::vector<Entry> order(static_cast<size_t>(n));
+    for (qsizetype i = 0; i < n; ++i) {
+        const std::u16string_view k = key(i);
+        quint64 head = 0;
+        for (size_t j = 0; j < units; ++j)
+            head = (head << bits) | (common + j < k.size() ? quint64(k[common + j]) : 0);
+        order[size_t(i)] = {head, i};
+    }
+    // A stable radix sort on the packed units, sixteen bits per pass, skipping the passes in
+    // which every row has the same bits...
+    std::vector<Entry> buffer(order.size());
+    std::vector<quint32> counts(0x10000);
+    for (int shift = 0; shift < 64; shift += 16) {
+        const auto digit = [shift](const Entry &e) { return size_t((e.head >> shift) & 0xFFFF); };
+        const size_t first = digit(order.front());
+        if (std::all_of(order.cbegin(), order.cend(),
+                        [&](const Entry &e) { return digit(e) == first; }))
+            continue;
+        std::fill(counts.begin(), counts.end(), 0);
+        for (const Entry &e : order)
+            ++counts[digit(e)];
+        quint32 sum = 0;
+        for (quint32 &c : counts)
+            sum += std::exchange(c, sum);
+        for (const Entry &e : order)
+            buffer[counts[digit(e)]++] = e;
+        order.swap(buffer);
+    }
+    // ...then rows with the same packed units are ordered by the rest of their keys. Rows whose
+    // keys are equal keep the order given: the row number breaks the tie.
+    for (auto from = order.begin(); from != order.end();) {
+        const auto to = std::find_if(from + 1, order.end(),
+                                     [&](const Entry &e) { return e.head != from->head; });
+        if (to - from > 1) {
+            std::sort(from, to, [&](const Entry &a, const Entry &b) {
+                const int c = key(a.row).substr(common).compare(key(b.row).substr(common));
+                return c != 0 ? c < 0 : a.row < b.row;
+            });
+        }
+        from = to;
+    }
+    // The rows move to their places in place, cycle by cycle: row order[i].row goes to i.
+    std::vector<bool> placed(static_cast<size_t>(n), false);
+    for (qsizetype i = 0; i < n; ++i) {
+        if (placed[size_t(i)])
+            continue;
+        CheckRow moving = std::move(rows[i]);
+        qsizetype to = i;
+        for (qsizetype from = order[size_t(i)].row; from != i; from = order[size_t(to)].row) {
+            rows[to] = std::move(rows[from]);
+            placed[size_t(to)] = true;
+            to = from;
+        }
+        rows[to] = std::move(moving);
+        placed[size_t(to)] = true;
+    }
 }
 
 void CheckListWidget::fill(QList<CheckRow> rows, bool inOrder)
@@ -150,11 +239,31 @@ void CheckListWidget::fill(QList<CheckRow> rows, bool inOrder)
         throw Error(Overflow);
     if (m_sorted && !inOrder)
         sortRows(rows);
+    const int n = int(rows.size());
+    const int old = count();
+    bool reusable = true;
+    for (int i = 0; i < old && i < n && reusable; ++i)
+        reusable = checkItem(item(i)) != nullptr;
+    if (!reusable || n == 0) {
+        clear();
+        if (n == 0)
+            return;
+    }
+
     const bool updates = updatesEnabled();
     setUpdatesEnabled(false);
-    clear();
-    for (const CheckRow &row : std::as_const(rows))
-        addItem(new CheckItem(row));
+    // A reload mostly brings about as many rows as the list had: the rows already there take
+    // the new rows' contents in place, so that they are neither freed nor allocated again and
+    // the view hears of them once instead of once per row.
+    const int reused = qMin(count(), n);
+    if (count() > n)
+        model()->removeRows(n, count() - n);
+    for (int i = 0; i < reused; ++i)
+        checkItem(item(i))->assignQuietly(rows.at(i));
+    for (int i = reused; i < n; ++i)
+        addItem(new CheckItem(rows.at(i)));
+    if (reused > 0)
+        reset(); // the view drops its selection, current row and cached sizes, as after clear()
     setUpdatesEnabled(updates);
 }
 
@@ -281,6 +390,13 @@ int CheckListWidget::topRow() const
 
 void CheckListWidget::setTopRow(int row)
 {
+    if (row == 0 && count() > 0) {
+        // The first row at the top is both scroll bars at their start; asking the view to
+        // scroll to it would lay out every row of a freshly filled list at once.
+        verticalScrollBar()->setValue(0);
+        horizontalScrollBar()->setValue(0);
+        return;
+    }
     if (QListWidgetItem *it = item(row))
         scrollToItem(it, QAbstractItemView::PositionAtTop);
 }

@@ -56,10 +56,8 @@ public:
     int topRow() const;
     void setTopRow(int row);
 
-    // The order of the sorted list: texts compared by their case folding, code unit by code unit.
-    static bool lessThan(const QString &a, const QString &b);
-    static QString foldedKey(const QString &text);
-    // Puts rows in the order in which a sorted list shows them (stable).
+    // Puts rows in the order in which a sorted list shows them: texts compared by their case
+    // folding, code unit by code unit; rows with equal texts keep their order.
     static void sortRows(QList<CheckRow> &rows);
 
     // Tells the view, and itemChanged, that a row's text, check or item value changed.

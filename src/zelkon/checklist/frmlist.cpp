@@ -15,6 +15,8 @@
 #include <QSet>
 #include <QTimer>
 
+#include <vector>
+
 namespace zelkon {
 
 namespace {
@@ -64,6 +66,73 @@ private:
     bool m_isList = true;
     QVariantList m_list;
     VariantArray m_array;
+};
+
+// Where each of a set of texts first stands among the texts added, for the length of one
+// operation. A reload looks every row up once: open addressing over the caller's order with a
+// light hash keeps that well below the cost of filling the list.
+class FirstPlaces
+{
+public:
+    explicit FirstPlaces(qsizetype expected)
+    {
+        size_t capacity = 16;
+        while (capacity < size_t(expected) * 2)
+            capacity <<= 1;
+        m_mask = capacity - 1;
+        m_slots.assign(capacity, Slot{0, -1});
+        m_texts.reserve(expected);
+    }
+
+    // Adds the text at the next place; false when it was there already.
+    bool add(const QString &text)
+    {
+        const int place = int(m_texts.size());
+        m_texts.append(text);
+        const quint32 hash = hashOf(text);
+        for (size_t i = hash & m_mask;; i = (i + 1) & m_mask) {
+            Slot &slot = m_slots[i];
+            if (slot.place < 0) {
+                slot = {hash, place};
+                return true;
+            }
+            if (slot.hash == hash && m_texts.at(slot.place) == text)
+                return false;
+        }
+    }
+    void skip() { m_texts.append(QString()); } // a place that no text can be found at
+
+    // The first place of the text, or -1.
+    int find(const QString &text) const
+    {
+        const quint32 hash = hashOf(text);
+        for (size_t i = hash & m_mask;; i = (i + 1) & m_mask) {
+            const Slot &slot = m_slots[i];
+            if (slot.place < 0)
+                return -1;
+            if (slot.hash == hash && m_texts.at(slot.place) == text)
+                return slot.place;
+        }
+    }
+    int size() const { return int(m_texts.size()); }
+
+private:
+    struct Slot
+    {
+        quint32 hash;
+        int place; // -1: empty
+    };
+    static quint32 hashOf(QStringView text)
+    {
+        quint32 h = 2166136261u;
+        for (const QChar c : text)
+            h = (h ^ c.unicode()) * 16777619u;
+        return h ^ (h >> 15);
+    }
+
+    size_t m_mask = 0;
+    std::vector<Slot> m_slots;
+    QList<QString> m_texts;
 };
 
 } // namespace
@@ -197,10 +266,12 @@ void frmList::InsertArray()
     attempt([&] { upper2 = UBound(m_sourceArray, 2); });
     m_sourceIs2D = upper2 >= 0;
 
-    List()->clearRows();
+    // The new rows replace the old ones in one fill below, which lets the list reuse its rows.
     m_allItems.clear();
-    if (IsEmpty(m_sourceArray))
+    if (IsEmpty(m_sourceArray)) {
+        List()->clearRows();
         return;
+    }
 
     // A row that cannot be read ends the loading; the rows before it stay.
     QList<CheckRow> rows;
@@ -317,9 +388,9 @@ void frmList::RebuildVisibleRows()
 
     // Matching is by text alone: every row with a saved text is checked, so rows that share a
     // text are checked or unchecked together.
-    QHash<QString, int> savedOrder;
-    for (int i = 0; i < saved.size(); ++i)
-        savedOrder.insert(saved.at(i), savedOrder.value(saved.at(i), i));
+    FirstPlaces savedOrder(saved.size());
+    for (const QString &text : saved)
+        savedOrder.add(text);
 
     QList<CheckRow> rows;
     for (const QVariant &k : elementsOf(m_arVis)) {
@@ -327,7 +398,7 @@ void frmList::RebuildVisibleRows()
         if (!attempt([&] { i = CLng(k); }) || i < 0 || i >= m_allItems.size())
             continue; // a row number that names no row adds nothing
         const CheckRow &row = m_allItems.at(i);
-        rows.append({row.text, row.id, savedOrder.contains(row.text)});
+        rows.append({row.text, row.id, savedOrder.find(row.text) >= 0});
     }
     List()->fill(std::move(rows));
 
@@ -337,9 +408,9 @@ void frmList::RebuildVisibleRows()
         int newestOrder = -1;
         const CheckListWidget *l = List();
         for (int j = 0; j < l->count(); ++j) {
-            const auto it = savedOrder.constFind(l->rowText(j));
-            if (it != savedOrder.cend() && *it >= newestOrder) {
-                newestOrder = *it;
+            const int place = savedOrder.find(l->rowText(j));
+            if (place >= 0 && place >= newestOrder) {
+                newestOrder = place;
                 newest = j;
             }
         }
@@ -375,20 +446,32 @@ void frmList::RepairCheck()
         // A lone "All" means that nothing is checked; among several texts it is a row's text.
         const bool nothing = wanted.size() == 1 && wanted.first() == QVariant(AllText);
         if (!nothing && !wanted.isEmpty()) {
-            // Each text checks the first row that has it. The index lives for this call only:
-            // the list stays the one authority for the checks.
-            QHash<QString, int> firstRow;
-            firstRow.reserve(l->count());
-            for (int j = l->count() - 1; j >= 0; --j)
-                firstRow.insert(l->rowText(j), j);
+            // Each text checks the first row that has it. The index of the wanted texts lives
+            // for this call only: the list stays the one authority for the checks.
+            FirstPlaces places(wanted.size());
+            int unmatched = 0;
             for (const QVariant &text : wanted) {
                 QString key;
-                if (!attempt([&] { key = CStr(text); }))
+                if (attempt([&] { key = CStr(text); }))
+                    unmatched += places.add(key) ? 1 : 0;
+                else
+                    places.skip();
+            }
+            // A text checks one row only; the newest check is the row of the text that came
+            // last among the wanted.
+            std::vector<bool> used(size_t(places.size()), false);
+            int newestPlace = -1;
+            const int rows = l->count();
+            for (int j = 0; j < rows && unmatched > 0; ++j) {
+                const int place = places.find(l->rowText(j));
+                if (place < 0 || used[size_t(place)])
                     continue;
-                const auto it = firstRow.constFind(key);
-                if (it != firstRow.cend() && !marks[*it]) {
-                    marks[*it] = true;
-                    newest = *it;
+                used[size_t(place)] = true;
+                --unmatched;
+                marks[j] = true;
+                if (place > newestPlace) {
+                    newestPlace = place;
+                    newest = j;
                 }
             }
         }
