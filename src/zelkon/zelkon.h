@@ -16,6 +16,7 @@
 #include <zelkon/common/propertybag.h>
 #include <zelkon/common/registry.h>
 #include <zelkon/common/strings.h>
+#include <zelkon/common/testplatform.h>
 #include <zelkon/common/variantarray.h>
 #include <zelkon/common/variants.h>
 #include <zelkon/common/version.h>
