@@ -98,11 +98,6 @@ void openDatabase(Connection &connection, const QString &database, const QString
         QVERIFY2(q.exec(statement), qPrintable(statement));
 }
 
-QVariant object(QObject *o)
-{
-    return QVariant::fromValue(o);
-}
-
 } // namespace
 
 class tst_CheckList : public QObject
@@ -158,6 +153,10 @@ private Q_SLOTS:
         QVERIFY(combo->Sorting() && combo->Enabled() && combo->EditEnabled());
         QVERIFY(!combo->Inv() && !combo->SingleCheck() && !combo->AllSelect());
         QCOMPARE(combo->ListForm()->ActiveList(), 1);
+        MemoryPropertyBag defaults;
+        combo->move(30, 40);
+        combo->WriteProperties(defaults);
+        QCOMPARE(defaults.keys(), QStringList()); // defaults, position and size store nothing
 
         // Layout: the button at the right edge, the text filling the rest.
         auto *button = combo->findChild<QToolButton *>(QStringLiteral("ButDropDown"));
@@ -174,8 +173,6 @@ private Q_SLOTS:
         QCOMPARE(strings(control->property("ArrayChecked")), sl({"b", "c"}));
         QVERIFY(QMetaObject::invokeMethod(control, "SelectAll"));
         QCOMPARE(control->property("ArrayCheckedID").toList(), QVariantList({1, 2, 3}));
-        QVERIFY(QMetaObject::invokeMethod(control, "ClearAll"));
-        QVERIFY(IsEmpty(control->property("ArrayCheckedID")));
         QSignalSpy changed(control, &Control::PropertyChanged);
         control->setProperty("Enabled", false); // reaches the widget's own enabled state
         QVERIFY(!control->isEnabled());
@@ -189,32 +186,30 @@ private Q_SLOTS:
         QTest::addColumn<QStringList>("texts");
         QTest::addColumn<QVariantList>("ids");
 
+        const auto row = [](const char *name, bool sorting, const QVariant &source,
+                            const QStringList &texts, const QVariantList &ids) {
+            QTest::newRow(name) << sorting << source << texts << ids;
+        };
         const QVariant words = list1({"pear", "Apple", "fig", "apple", "Banana"});
-        QTest::newRow("1-D unsorted")
-            << false << words << sl({"pear", "Apple", "fig", "apple", "Banana"})
-            << QVariantList{0, 0, 0, 0, 0};
-        QTest::newRow("1-D sorted, equal texts keep their order")
-            << true << words << sl({"Apple", "apple", "Banana", "fig", "pear"})
-            << QVariantList{0, 0, 0, 0, 0};
-        QTest::newRow("2-D sorted") << true << array2({{"c", 30}, {"a", 10}, {"B", 20}})
-                                    << sl({"a", "B", "c"}) << QVariantList{10, 20, 30};
-        QTest::newRow("2-D unsorted") << false << array2({{"c", 30}, {"a", 10}, {"B", 20}})
-                                      << sl({"c", "a", "B"}) << QVariantList{30, 10, 20};
-        QTest::newRow("Empty") << true << QVariant() << sl({}) << QVariantList{};
+        const QVariant cab = array2({{"c", 30}, {"a", 10}, {"B", 20}});
+        row("1-D unsorted", false, words, sl({"pear", "Apple", "fig", "apple", "Banana"}),
+            {0, 0, 0, 0, 0});
+        row("1-D sorted, equal texts keep their order", true, words,
+            sl({"Apple", "apple", "Banana", "fig", "pear"}), {0, 0, 0, 0, 0});
+        row("2-D sorted", true, cab, sl({"a", "B", "c"}), {10, 20, 30});
+        row("2-D unsorted", false, cab, sl({"c", "a", "B"}), {30, 10, 20});
+        row("Empty", true, QVariant(), {}, {});
         VariantArray shifted({{-1, 1}});
         shifted.at({-1}) = QStringLiteral("before");
         shifted.at({0}) = QStringLiteral("x");
         shifted.at({1}) = QStringLiteral("y");
-        QTest::newRow("lower bound taken as 0")
-            << false << QVariant::fromValue(shifted) << sl({"x", "y"}) << QVariantList{0, 0};
+        row("lower bound taken as 0", false, QVariant::fromValue(shifted), sl({"x", "y"}), {0, 0});
         // A row that cannot be read ends the load; the rows before it stay.
-        QTest::newRow("Null text")
-            << false
-            << QVariant(QVariantList{QStringLiteral("a"), QStringLiteral("b"), nullVariant(),
-                                     QStringLiteral("d")})
-            << sl({"a", "b"}) << QVariantList{0, 0};
-        QTest::newRow("bad identifier") << false << array2({{"x", 1}, {"y", QStringLiteral("?")}})
-                                        << sl({"x"}) << QVariantList{1};
+        QVariantList withNull = list1({"a", "b", "c"}).toList();
+        withNull.insert(2, nullVariant());
+        row("Null text", false, withNull, sl({"a", "b"}), {0, 0});
+        row("bad identifier", false, array2({{"x", 1}, {"y", QStringLiteral("?")}}), sl({"x"}),
+            {1});
         QVariantList many;
         QStringList counted;
         for (int i = 0; i < CheckListWidget::MaxRows + 2; ++i) {
@@ -222,8 +217,8 @@ private Q_SLOTS:
             if (i < CheckListWidget::MaxRows)
                 counted.append(QString::number(i));
         }
-        QTest::newRow("more rows than the counters hold")
-            << false << QVariant(many) << counted << QVariantList(counted.size(), 0);
+        row("more rows than the counters hold", false, many, counted,
+            QVariantList(counted.size(), 0));
     }
 
     void loadArray()
@@ -280,8 +275,6 @@ private Q_SLOTS:
               << QString::fromUtf8("Łódź") << QString::fromUtf8("łódź b") << QStringLiteral("Zebra")
               << QString::fromUtf8("Ωmega");
         QTest::newRow("non-ASCII") << other;
-        QTest::newRow("one shared beginning")
-            << sl({"Region North", "Region east", "Region West", "region East", "Region"});
     }
 
     void sortOrder()
@@ -417,30 +410,27 @@ private Q_SLOTS:
     {
         QTest::addColumn<QString>("key");
         QTest::addColumn<QVariant>("value");
-        for (const auto &[key, value] : std::initializer_list<std::pair<const char *, QVariant>>{
-                 {"Title", QStringLiteral("Regions")},
-                 {"MaxLine", qint16(9)},
-                 {"Delay", qint16(40)},
-                 {"Enabled", false},
-                 {"EditEnabled", false},
-                 {"Sorting", false},
-                 {"Inv", true},
-                 {"SingleCheck", true},
-                 {"AllSelect", true},
-                 {"Appearance", qint32(0)},
-                 {"Border", qint32(0)}})
-            QTest::newRow(key) << QString::fromLatin1(key) << value;
+        const char *keys[]
+            = {"Title", "MaxLine",     "Delay",     "Enabled",    "EditEnabled", "Sorting",
+               "Inv",   "SingleCheck", "AllSelect", "Appearance", "Border"};
+        const QVariantList values{QStringLiteral("Regions"),
+                                  qint16(9),
+                                  qint16(40),
+                                  false,
+                                  false,
+                                  false,
+                                  true,
+                                  true,
+                                  true,
+                                  qint32(0),
+                                  qint32(0)};
+        for (int i = 0; i < values.size(); ++i)
+            QTest::newRow(keys[i]) << QString::fromLatin1(keys[i]) << values.at(i);
     }
     void persistence()
     {
         QFETCH(QString, key);
         QFETCH(QVariant, value);
-
-        CheckCombo fresh;
-        fresh.move(30, 40);
-        MemoryPropertyBag defaults;
-        fresh.WriteProperties(defaults);
-        QCOMPARE(defaults.keys(), QStringList()); // defaults, position and size store nothing
 
         CheckCombo source;
         QVERIFY(source.setProperty(key.toLatin1(), value));
@@ -522,42 +512,6 @@ private Q_SLOTS:
         QCOMPARE(m_platform->messages(), sl({"test", "test"}));
     }
 
-    void recordsetRows()
-    {
-        Connection connection;
-        openDatabase(connection, QStringLiteral(":memory:"),
-                     {QStringLiteral("CREATE TABLE t (name TEXT, note TEXT)"),
-                      QStringLiteral("INSERT INTO t VALUES ('  pear ', 'p'), (NULL, 'n'), "
-                                     "('apple', 'a'), ('Fig', 'f')")});
-        Recordset rs;
-        rs.Open(QStringLiteral("SELECT name, note FROM t"), object(&connection), 3, 3, 1);
-
-        CheckCombo combo;
-        combo.setTypeData(CheckCombo::ADOData);
-        combo.setSArrayData(list1({"pear", "x", "y", "z"})); // shows rows 0 to 3 of later loads
-        combo.setArrayChecked(list1({"pear"}));
-        combo.setRecordsetData(&rs);
-        frmList *form = combo.ListForm();
-        QCOMPARE(rowTexts(form->List()), sl({"apple", "Fig", "pear"}));
-        QCOMPARE(checkedRows(form->List()), sl({"pear"})); // kept by text
-        QCOMPARE(combo.ArrayCheckedID().toList(), QVariantList({0}));
-        QVERIFY(form->FieldTips());
-        QCOMPARE(combo.RecordsetData(), &rs);
-
-        // Several checks of a recordset source: "All" only when every row is checked.
-        combo.setArrayChecked(list1({"apple", "pear"}));
-        QCOMPARE(combo.Title(), QStringLiteral("List"));
-        combo.setArrayChecked(list1({"apple", "pear", "Fig"}));
-        QCOMPARE(combo.Title(), QStringLiteral("All"));
-        combo.SelectAll(); // checks rows of a source array only
-        QCOMPARE(checkedRows(form->List()).size(), 3);
-
-        // An object that is no recordset loads nothing and raises nothing.
-        QObject notARecordset;
-        combo.setRecordsetData(&notARecordset);
-        QCOMPARE(form->List()->count(), 0);
-    }
-
     // A command and a connection of the control's own; hidden rows survive a recordset reload.
     void connectAndRefresh()
     {
@@ -585,7 +539,8 @@ private Q_SLOTS:
         QCOMPARE(form->List()->count(), 3); // applied at the next rebuild only
         combo.setArrayChecked(list1({"a", "c"}));
         Recordset rs;
-        rs.Open(QStringLiteral("SELECT name FROM t ORDER BY name DESC"), object(&connection));
+        rs.Open(QStringLiteral("SELECT name FROM t ORDER BY name DESC"),
+                QVariant::fromValue<QObject *>(&connection));
         combo.setRecordsetData(&rs);
         QCOMPARE(rowTexts(form->List()), sl({"d", "a"})); // rows 0 and 3 of the new load
         QCOMPARE(checkedRows(form->List()), sl({"a"}));
@@ -611,7 +566,6 @@ private Q_SLOTS:
         for (int i = 0; i < 10; ++i)
             rows.append(QStringLiteral("row %1").arg(i));
         combo->setSArrayData(rows);
-        QSignalSpy click(combo, &CheckCombo::Click);
         openAndActivate(combo);
         frmList *form = combo->ListForm();
         const QRect field(combo->mapToGlobal(QPoint(0, 0)), combo->size());
@@ -620,7 +574,6 @@ private Q_SLOTS:
         QCOMPARE(form->width(), field.width());
         const int rowHeight = form->List()->sizeHintForRow(0);
         QCOMPARE(form->height(), 3 * rowHeight + 2 * form->List()->frameWidth());
-        QCOMPARE(click.size(), 1);
         QTest::keyClick(form->List(), Qt::Key_Escape);
         QVERIFY(!form->isVisible());
 
@@ -716,15 +669,13 @@ private Q_SLOTS:
         QTest::addColumn<bool>("single");
         QTest::addColumn<QStringList>("shown");
 
-        QTest::newRow("English") << QLocale::English << false
-                                 << sl({"Select All", "Clear All", "Invert Selection", "Show/Hide",
-                                        "Not In ..."});
+        const QStringList english
+            = sl({"Select All", "Clear All", "Invert Selection", "Show/Hide", "Not In ..."});
+        QTest::newRow("English") << QLocale::English << false << english;
         QTest::newRow("Russian") << QLocale::Russian << false
                                  << sl({"Выделить все", "Очистить все", "Инвертировать выбор",
                                         "Показать/Скрыть", "Инверсная логика"});
-        QTest::newRow("German") << QLocale::German << false
-                                << sl({"Select All", "Clear All", "Invert Selection", "Show/Hide",
-                                       "Not In ..."});
+        QTest::newRow("German") << QLocale::German << false << english; // no texts of its own
         QTest::newRow("single check")
             << QLocale::English << true << sl({"Clear All", "Show/Hide", "Not In ..."});
     }
@@ -774,40 +725,38 @@ private Q_SLOTS:
         CheckCombo *combo = showCombo();
         combo->setSArrayData(list1({"a"}));
         QStringList order;
-        QList<qint16> buttons;
-        connect(combo, &CheckCombo::MouseDown, this,
-                [&](qint16 &button, qint16 &, float &, float &) {
-                    order.append(QStringLiteral("MouseDown"));
-                    buttons.append(button);
-                });
-        connect(combo, &CheckCombo::MouseUp, this, [&](qint16 &, qint16 &, float &, float &) {
-            order.append(QStringLiteral("MouseUp"));
-        });
+        // Each mouse event with its button and shift state; the move with its X as well.
+        const auto record = [&order](const char *name, bool withX = false) {
+            return [&order, name, withX](qint16 &button, qint16 &shift, float &x, float &) {
+                order.append(
+                    QStringLiteral("%1 %2 %3").arg(QLatin1String(name)).arg(button).arg(shift));
+                if (withX)
+                    order.last() += QStringLiteral(" %1").arg(x);
+            };
+        };
+        connect(combo, &CheckCombo::MouseDown, this, record("MouseDown"));
+        connect(combo, &CheckCombo::MouseUp, this, record("MouseUp"));
+        connect(combo, &CheckCombo::MouseMoveXY, this, record("MouseMoveXY", true));
         connect(combo, &CheckCombo::Click, this, [&] { order.append(QStringLiteral("Click")); });
         connect(combo, &CheckCombo::MouseMove, this,
                 [&] { order.append(QStringLiteral("MouseMove")); });
-        connect(combo, &CheckCombo::MouseMoveXY, this,
-                [&](qint16 &, qint16 &shift, float &x, float &) {
-                    order.append(QStringLiteral("MouseMoveXY %1 %2").arg(shift).arg(x));
-                });
 
         auto *button = combo->findChild<QToolButton *>(QStringLiteral("ButDropDown"));
         QTest::mouseClick(button, Qt::RightButton, Qt::ShiftModifier);
-        QCOMPARE(order, sl({"MouseDown", "MouseUp"}));
+        QCOMPARE(order, sl({"MouseDown 2 1", "MouseUp 2 1"}));
         QVERIFY(!combo->isDroppedDown());
         order.clear();
         QTest::mouseClick(button, Qt::LeftButton);
-        QCOMPARE(order, sl({"MouseDown", "Click", "MouseUp"}));
-        QCOMPARE(buttons, QList<qint16>({2, 1}));
+        QCOMPARE(order, sl({"MouseDown 1 0", "Click", "MouseUp 1 0"}));
         QVERIFY(combo->isDroppedDown());
         QTest::keyClick(combo->ListForm()->List(), Qt::Key_Escape);
 
         order.clear();
         QTest::mouseMove(combo->findChild<QLineEdit *>(QStringLiteral("Text")), QPoint(7, 5));
-        QTRY_COMPARE(order, sl({"MouseMove", "MouseMoveXY 0 7"}));
+        QTRY_COMPARE(order, sl({"MouseMove", "MouseMoveXY 0 0 7"}));
     }
 
-    void rowToolTips_data()
+    void recordset_data()
     {
         QTest::addColumn<int>("dialect");
         QTest::addColumn<int>("row");
@@ -820,35 +769,48 @@ private Q_SLOTS:
             QTest::addRow("%s quote in text", name) << dialect << 2 << QString();
         }
     }
-
-    void rowToolTips()
+    void recordset()
     {
         QFETCH(int, dialect);
         QFETCH(int, row);
         QFETCH(QString, tip);
 
         Connection connection;
-        openDatabase(
-            connection, QStringLiteral(":memory:"),
-            {QStringLiteral("CREATE TABLE t (name TEXT, note TEXT)"),
-             QStringLiteral("INSERT INTO t VALUES ('alpha', '  first  '), ('beta', '   '), "
-                            "('o''brien', 'third')")});
+        openDatabase(connection, QStringLiteral(":memory:"),
+                     {QStringLiteral("CREATE TABLE t (name TEXT, note TEXT)"),
+                      QStringLiteral("INSERT INTO t VALUES ('  pear ', 'p'), (NULL, 'n'), "
+                                     "('apple', '  first  '), ('Fig', '   '), ('o''brien', 'q')")});
         Recordset rs;
-        rs.Open(QStringLiteral("SELECT name, note FROM t"), object(&connection));
+        rs.Open(QStringLiteral("SELECT name, note FROM t"),
+                QVariant::fromValue<QObject *>(&connection), 3, 3, 1);
 
         CheckCombo *combo = showCombo();
-        combo->setSorting(false);
         combo->setTypeData(CheckCombo::ExDate(dialect));
+        combo->setSArrayData(list1({"pear", "x", "y", "z"})); // shows rows 0 to 3 of later loads
+        combo->setArrayChecked(list1({"pear"}));
         combo->setRecordsetData(&rs);
+        frmList *form = combo->ListForm();
+        QListWidget *list = form->List();
+        // Texts trimmed, a Null text skipped, no identifiers; checks kept by text.
+        QCOMPARE(rowTexts(list), sl({"apple", "Fig", "o'brien", "pear"}));
+        QCOMPARE(checkedRows(list), sl({"pear"}));
+        QCOMPARE(combo->ArrayCheckedID().toList(), QVariantList({0}));
+        QCOMPARE(combo->RecordsetData(), &rs);
+        // "All" only when every row of a recordset is checked.
+        combo->setArrayChecked(list1({"apple", "pear"}));
+        QCOMPARE(combo->Title(), QStringLiteral("List"));
+        combo->setArrayChecked(list1({"apple", "pear", "Fig", "o'brien"}));
+        QCOMPARE(combo->Title(), QStringLiteral("All"));
+
+        // The second field of the row under the mouse is its tool tip. Moves reach the popup
+        // through its window, as the window system delivers them.
+        QVERIFY(form->FieldTips());
         openAndActivate(combo);
-        QListWidget *list = combo->ListForm()->List();
-        QCOMPARE(list->count(), 3);
         QCOMPARE(list->toolTip(), QStringLiteral("Check/Uncheck Items"));
-        // Moves reach the popup through its window, as the window system delivers them.
         const auto moveTo = [&](int i) {
-            const QPoint at = list->viewport()->mapTo(combo->ListForm(),
-                                                      list->visualItemRect(list->item(i)).center());
-            QTest::mouseMove(combo->ListForm()->windowHandle(), at);
+            const QPoint at
+                = list->viewport()->mapTo(form, list->visualItemRect(list->item(i)).center());
+            QTest::mouseMove(form->windowHandle(), at);
         };
         moveTo(row);
         QTRY_COMPARE(list->toolTip(), tip);
@@ -858,6 +820,11 @@ private Q_SLOTS:
             moveTo(row);
             QTRY_COMPARE(list->toolTip(), tip);
         }
+
+        // An object that is no recordset loads nothing and raises nothing.
+        QObject notARecordset;
+        combo->setRecordsetData(&notARecordset);
+        QCOMPARE(list->count(), 0);
     }
 };
 
