@@ -167,7 +167,7 @@ void CheckListWidget::sortRows(QList<CheckRow> &rows)
             ++same;
         common = same;
     }
-    const char16_t highest = *std::max_element(keys.cbegin(), keys.cend());
+    const char16_t highest = keys.empty() ? 0 : *std::max_element(keys.cbegin(), keys.cend());
     const int bits = highest < 0x80 ? 7 : highest < 0x100 ? 8 : 16;
     const size_t units = size_t(64 / bits);
     struct Entry
