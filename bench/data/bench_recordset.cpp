@@ -4,6 +4,8 @@
 #include <zelkon/data/connection.h>
 #include <zelkon/data/recordset.h>
 
+#include "benchratio.h"
+
 #include <benchmark/benchmark.h>
 
 #include <QCoreApplication>
@@ -46,23 +48,8 @@ zelkon::Connection &database()
     return *connection;
 }
 
-using Clock = std::chrono::steady_clock;
-
-std::map<std::string, double> &ratios()
-{
-    static std::map<std::string, double> r;
-    return r;
-}
-
-void report(benchmark::State &state, const char *name, Clock::duration bare, Clock::duration ours)
-{
-    const double ratio = std::chrono::duration<double>(ours) / std::chrono::duration<double>(bare);
-    const double n = double(state.iterations());
-    state.counters["ratio"] = ratio;
-    state.counters["bare_ms"] = std::chrono::duration<double, std::milli>(bare).count() / n;
-    state.counters["zelkon_ms"] = std::chrono::duration<double, std::milli>(ours).count() / n;
-    ratios()[name] = ratio;
-}
+using zelkon::bench::Clock;
+using zelkon::bench::report;
 
 void BM_OpenAndWalk(benchmark::State &state)
 {
@@ -135,14 +122,7 @@ BENCHMARK(BM_FindLike)->Unit(benchmark::kMillisecond)->MinTime(2.0);
 int main(int argc, char **argv)
 {
     QCoreApplication app(argc, argv);
-    benchmark::Initialize(&argc, argv);
-    if (benchmark::ReportUnrecognizedArguments(argc, argv))
-        return 1;
-    benchmark::RunSpecifiedBenchmarks();
-    benchmark::Shutdown();
-    const std::map<std::string, double> targets
-        = {{"open+walk vs bare loop", 1.5}, {"Find LIKE 'prefix%' vs one bare column pass", 1.0}};
-    for (const auto &[name, ratio] : ratios())
-        std::printf("%-45s ratio %.3f (target <= %.1f)\n", name.c_str(), ratio, targets.at(name));
-    return 0;
+    return zelkon::bench::runAndPrintRatios(
+        argc, argv,
+        {{"open+walk vs bare loop", 1.5}, {"Find LIKE 'prefix%' vs one bare column pass", 1.0}});
 }

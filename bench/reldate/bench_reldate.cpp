@@ -5,6 +5,8 @@
 #include <zelkon/common/testplatform.h>
 #include <zelkon/reldate/reldate.h>
 
+#include "benchratio.h"
+
 #include <benchmark/benchmark.h>
 
 #include <QApplication>
@@ -23,23 +25,8 @@ namespace {
 
 constexpr int fieldsPerForm = 20;
 
-using Clock = std::chrono::steady_clock;
-
-std::map<std::string, double> &ratios()
-{
-    static std::map<std::string, double> r;
-    return r;
-}
-
-void report(benchmark::State &state, const char *name, Clock::duration bare, Clock::duration ours)
-{
-    const double ratio = std::chrono::duration<double>(ours) / std::chrono::duration<double>(bare);
-    const double n = double(state.iterations());
-    state.counters["ratio"] = ratio;
-    state.counters["bare_ms"] = std::chrono::duration<double, std::milli>(bare).count() / n;
-    state.counters["zelkon_ms"] = std::chrono::duration<double, std::milli>(ours).count() / n;
-    ratios()[name] = ratio;
-}
+using zelkon::bench::Clock;
+using zelkon::bench::report;
 
 // A form of date fields restored from a saved bag, against the same count of bare date edits,
 // line edits, spin boxes and check boxes. A date field holds about twice the widgets of that bare
@@ -131,15 +118,7 @@ int main(int argc, char **argv)
         qputenv("QT_QPA_PLATFORM", "offscreen");
     QApplication app(argc, argv);
     zelkon::TestPlatform platform(QDate(2024, 5, 10));
-    benchmark::Initialize(&argc, argv);
-    if (benchmark::ReportUnrecognizedArguments(argc, argv))
-        return 1;
-    benchmark::RunSpecifiedBenchmarks();
-    benchmark::Shutdown();
-    const std::map<std::string, double> targets
-        = {{"open a form of date fields vs bare widgets", 4.0},
-           {"1000 RetNum lets vs bare widget sets", 3.0}};
-    for (const auto &[name, ratio] : ratios())
-        std::printf("%-45s ratio %.3f (target <= %.1f)\n", name.c_str(), ratio, targets.at(name));
-    return 0;
+    return zelkon::bench::runAndPrintRatios(argc, argv,
+                                            {{"open a form of date fields vs bare widgets", 4.0},
+                                             {"1000 RetNum lets vs bare widget sets", 3.0}});
 }

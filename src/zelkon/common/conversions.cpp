@@ -461,11 +461,11 @@ Interval parseInterval(const QString &interval)
                     .arg(interval));
 }
 
-QDateTime checkedDate(const QDate &date, const QTime &time, Qt::TimeSpec spec)
+QDateTime checkedDate(const QDate &date, const QTime &time, Qt::TimeSpec timeSpec)
 {
     if (!date.isValid() || date < firstValidDate || date > lastValidDate)
         throw Error(InvalidProcedureCall);
-    return QDateTime(date, time, spec);
+    return QDateTime(date, time, timeSpec);
 }
 
 } // namespace

@@ -266,7 +266,7 @@ QVariant decode(const QJsonValue &json, const QString &where, const Place &place
     place.fail(where, QStringLiteral("unknown value type \"%1\"").arg(t));
 }
 
-struct ControlSpec
+struct SavedControl
 {
     QString className;
     QString name;
@@ -353,21 +353,21 @@ QList<Control *> loadForm(QWidget &form, const QString &path)
         place.fail(QStringLiteral("controls"), QStringLiteral("the list of controls is missing"));
 
     // Everything is read and checked before the form is touched.
-    std::vector<std::unique_ptr<ControlSpec>> specs;
+    std::vector<std::unique_ptr<SavedControl>> savedControls;
     const QStringList known = controlClassNames();
     int i = 0;
     for (const QJsonValue &entry : controlsJson.toArray()) {
         const QString where = QStringLiteral("control %1").arg(i++);
         const QJsonObject o = entry.toObject();
-        auto spec = std::make_unique<ControlSpec>();
-        spec->className = o.value(QLatin1String("class")).toString();
-        if (!entry.isObject() || !known.contains(spec->className))
-            place.fail(where, QStringLiteral("unknown control class \"%1\"").arg(spec->className));
-        spec->name = o.value(QLatin1String("name")).toString();
+        auto saved = std::make_unique<SavedControl>();
+        saved->className = o.value(QLatin1String("class")).toString();
+        if (!entry.isObject() || !known.contains(saved->className))
+            place.fail(where, QStringLiteral("unknown control class \"%1\"").arg(saved->className));
+        saved->name = o.value(QLatin1String("name")).toString();
         const QJsonValue index = o.value(QLatin1String("index"));
         if (!index.isDouble() || index.toDouble() != index.toInt())
             place.fail(where, QStringLiteral("the index must be an integer"));
-        spec->index = index.toInt();
+        saved->index = index.toInt();
         const QJsonArray g = o.value(QLatin1String("geometry")).toArray();
         if (g.size() != 4)
             place.fail(where, QStringLiteral("the geometry must be four integers"));
@@ -375,8 +375,8 @@ QList<Control *> loadForm(QWidget &form, const QString &path)
             if (!n.isDouble() || std::fabs(n.toDouble()) > 1e6)
                 place.fail(where, QStringLiteral("the geometry must be four integers"));
         }
-        spec->geometry = QRect(g.at(0).toInt(), g.at(1).toInt(), qMax(0, g.at(2).toInt()),
-                               qMax(0, g.at(3).toInt()));
+        saved->geometry = QRect(g.at(0).toInt(), g.at(1).toInt(), qMax(0, g.at(2).toInt()),
+                                qMax(0, g.at(3).toInt()));
         const QJsonValue properties = o.value(QLatin1String("properties"));
         if (!properties.isArray())
             place.fail(where, QStringLiteral("the properties are missing"));
@@ -384,22 +384,22 @@ QList<Control *> loadForm(QWidget &form, const QString &path)
             const QString key = p.toObject().value(QLatin1String("name")).toString();
             if (key.isEmpty())
                 place.fail(where, QStringLiteral("a property has no name"));
-            spec->bag.insert(key,
-                             decode(p.toObject().value(QLatin1String("value")),
-                                    where + QLatin1Char('.') + key, place));
+            saved->bag.insert(key,
+                              decode(p.toObject().value(QLatin1String("value")),
+                                     where + QLatin1Char('.') + key, place));
         }
-        specs.push_back(std::move(spec));
+        savedControls.push_back(std::move(saved));
     }
 
     QList<Control *> created;
     try {
-        for (const auto &spec : specs) {
-            Control *control = createControl(spec->className, &form);
+        for (const auto &saved : savedControls) {
+            Control *control = createControl(saved->className, &form);
             created.append(control);
-            control->setObjectName(spec->name);
-            control->setIndex(spec->index);
-            control->setGeometry(spec->geometry);
-            control->ReadProperties(spec->bag);
+            control->setObjectName(saved->name);
+            control->setIndex(saved->index);
+            control->setGeometry(saved->geometry);
+            control->ReadProperties(saved->bag);
         }
     } catch (...) {
         qDeleteAll(created);

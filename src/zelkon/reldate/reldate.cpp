@@ -240,36 +240,41 @@ void RelDate::setSynchValue(bool synch)
     Q_EMIT PropertyChanged(QStringLiteral("SynchValue"));
 }
 
+// A partner name that no longer names a control of the form is forgotten when it is read.
+QString RelDate::livePartnerName(QString &field, const QString &property)
+{
+    if (!field.isEmpty() && !findPartner(field)) {
+        field.clear();
+        Q_EMIT PropertyChanged(property);
+    }
+    return field;
+}
+
+void RelDate::putPartnerName(QString &field, const QString &name, const QString &property)
+{
+    field = findPartner(name) ? name : QString();
+    synchronizeValue();
+    Q_EMIT PropertyChanged(property);
+}
+
 QString RelDate::TopControl()
 {
-    if (!m_topControl.isEmpty() && !findPartner(m_topControl)) {
-        m_topControl.clear();
-        Q_EMIT PropertyChanged(QStringLiteral("TopControl"));
-    }
-    return m_topControl;
+    return livePartnerName(m_topControl, QStringLiteral("TopControl"));
 }
 
 void RelDate::setTopControl(const QString &name)
 {
-    m_topControl = findPartner(name) ? name : QString();
-    synchronizeValue();
-    Q_EMIT PropertyChanged(QStringLiteral("TopControl"));
+    putPartnerName(m_topControl, name, QStringLiteral("TopControl"));
 }
 
 QString RelDate::BootControl()
 {
-    if (!m_bootControl.isEmpty() && !findPartner(m_bootControl)) {
-        m_bootControl.clear();
-        Q_EMIT PropertyChanged(QStringLiteral("BootControl"));
-    }
-    return m_bootControl;
+    return livePartnerName(m_bootControl, QStringLiteral("BootControl"));
 }
 
 void RelDate::setBootControl(const QString &name)
 {
-    m_bootControl = findPartner(name) ? name : QString();
-    synchronizeValue();
-    Q_EMIT PropertyChanged(QStringLiteral("BootControl"));
+    putPartnerName(m_bootControl, name, QStringLiteral("BootControl"));
 }
 
 void RelDate::setGlobalSynchro(qint32 synchro)

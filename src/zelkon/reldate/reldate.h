@@ -137,6 +137,8 @@ private:
 
     // Partners on the same form.
     Control *findPartner(const QString &name) const;
+    QString livePartnerName(QString &field, const QString &property);
+    void putPartnerName(QString &field, const QString &name, const QString &property);
     void synchronizeValue();
     void propagateMode();
 
