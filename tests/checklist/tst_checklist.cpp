@@ -98,6 +98,18 @@ void openDatabase(Connection &connection, const QString &database, const QString
         QVERIFY2(q.exec(statement), qPrintable(statement));
 }
 
+// A property bag that notes the keys in the order in which they are read.
+class RecordingBag : public MemoryPropertyBag
+{
+public:
+    QVariant ReadProperty(const QString &name, const QVariant &defaultValue = {}) const override
+    {
+        read.append(name);
+        return MemoryPropertyBag::ReadProperty(name, defaultValue);
+    }
+    mutable QStringList read;
+};
+
 } // namespace
 
 class tst_CheckList : public QObject
@@ -450,6 +462,37 @@ private Q_SLOTS:
         QCOMPARE(target.ListForm()->mnuPopup(4)->isChecked(), target.Inv());
         QCOMPARE(target.findChild<QLineEdit *>(QStringLiteral("Text"))->isReadOnly(),
                  !target.EditEnabled());
+    }
+
+    // Position and size are read one by one, in their order: a damaged one costs only itself.
+    void readPositions_data()
+    {
+        QTest::addColumn<QString>("damaged");
+        for (const char *key : {"", "Left", "Top", "Height", "Width"})
+            QTest::newRow(*key ? key : "none") << QString::fromLatin1(key);
+    }
+    void readPositions()
+    {
+        QFETCH(QString, damaged);
+
+        const QStringList keys = sl({"Left", "Top", "Height", "Width"});
+        const QList<float> saved{11, 12, 23, 140};
+        RecordingBag bag;
+        for (int i = 0; i < keys.size(); ++i)
+            bag.insert(keys.at(i),
+                       keys.at(i) == damaged ? QVariant(QStringLiteral("?"))
+                                             : QVariant(saved.at(i)));
+        CheckCombo combo(m_host.get());
+        combo.setGeometry(1, 2, 100, 20);
+        const QList<float> before{1, 2, 20, 100};
+        combo.ReadProperties(bag);
+        QCOMPARE(bag.read,
+                 sl({"Title", "MaxLine", "Delay", "Enabled", "EditEnabled", "Sorting", "Inv",
+                     "SingleCheck", "AllSelect", "Appearance", "Border", "Left", "Top", "Height",
+                     "Width"}));
+        const QList<float> now{combo.Left(), combo.Top(), combo.Height(), combo.Width()};
+        for (int i = 0; i < keys.size(); ++i)
+            QCOMPARE(now.at(i), keys.at(i) == damaged ? before.at(i) : saved.at(i));
     }
 
     void showHide_data()

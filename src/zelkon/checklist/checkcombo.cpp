@@ -128,14 +128,12 @@ void CheckCombo::ReadProperties(PropertyBag &bag)
         [&] { m_allSelect = CBool(bag.ReadProperty(QStringLiteral("AllSelect"), false)); },
         [&] { m_appearance = CLng(bag.ReadProperty(QStringLiteral("Appearance"), qint32(1))); },
         [&] { m_border = CLng(bag.ReadProperty(QStringLiteral("Border"), qint32(1))); },
+        [&] { move(qRound(CDbl(bag.ReadProperty(QStringLiteral("Left"), Left()))), y()); },
+        [&] { move(x(), qRound(CDbl(bag.ReadProperty(QStringLiteral("Top"), Top())))); },
         [&] {
-            move(qRound(CDbl(bag.ReadProperty(QStringLiteral("Left"), Left()))),
-                 qRound(CDbl(bag.ReadProperty(QStringLiteral("Top"), Top()))));
+            resize(width(), qRound(CDbl(bag.ReadProperty(QStringLiteral("Height"), Height()))));
         },
-        [&] {
-            resize(qRound(CDbl(bag.ReadProperty(QStringLiteral("Width"), Width()))),
-                   qRound(CDbl(bag.ReadProperty(QStringLiteral("Height"), Height()))));
-        },
+        [&] { resize(qRound(CDbl(bag.ReadProperty(QStringLiteral("Width"), Width()))), height()); },
     });
     m_listForm->setMaxLine(m_maxLine);
     m_listForm->setSingleCheck(m_singleCheck);
