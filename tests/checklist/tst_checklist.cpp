@@ -555,6 +555,37 @@ private Q_SLOTS:
         QCOMPARE(m_platform->messages(), sl({"test", "test"}));
     }
 
+    // A recordset load shows the rows that ArrayVisible names, as far as the row counters reach.
+    void visibleRowsOfALoad_data()
+    {
+        QTest::addColumn<QVariant>("visible");
+        QTest::addColumn<QStringList>("rows");
+
+        QTest::newRow("row numbers that name no row")
+            << QVariant(QVariantList{5, 1, -1, QStringLiteral("x"), 0}) << sl({"b", "a"});
+        QTest::newRow("more rows than the counters hold")
+            << QVariant(QVariantList(CheckListWidget::MaxRows + 5, 1))
+            << QStringList(CheckListWidget::MaxRows, QStringLiteral("b"));
+    }
+    void visibleRowsOfALoad()
+    {
+        QFETCH(QVariant, visible);
+        QFETCH(QStringList, rows);
+
+        Connection connection;
+        openDatabase(connection, QStringLiteral(":memory:"),
+                     {QStringLiteral("CREATE TABLE t (name TEXT)"),
+                      QStringLiteral("INSERT INTO t VALUES ('a'), ('b')")});
+        Recordset rs;
+        rs.Open(QStringLiteral("SELECT name FROM t"), QVariant::fromValue<QObject *>(&connection));
+        CheckCombo combo;
+        combo.setSorting(false);
+        combo.setSArrayData(list1({"x"}));
+        combo.setArrayVisible(visible);
+        combo.setRecordsetData(&rs);
+        QCOMPARE(rowTexts(combo.ListForm()->List()), rows);
+    }
+
     // A command and a connection of the control's own; hidden rows survive a recordset reload.
     void connectAndRefresh()
     {

@@ -394,6 +394,9 @@ void frmList::RebuildVisibleRows()
 
     QList<CheckRow> rows;
     for (const QVariant &k : elementsOf(m_arVis)) {
+        // A host's ArrayVisible may name rows more than once: the row counters end the list.
+        if (rows.size() == CheckListWidget::MaxRows)
+            break;
         qint32 i = -1;
         if (!attempt([&] { i = CLng(k); }) || i < 0 || i >= m_allItems.size())
             continue; // a row number that names no row adds nothing
