@@ -189,17 +189,10 @@ void NumEdit::setValue(double value)
             value = m_maxValue;
     }
     m_value = value;
-    if (m_editing) {
-        // Not suppressed: the change processing raises ChangeValue. The text box reports no
-        // change for the text it already holds, and hosts still expect the notification then.
-        const QString text = CStr(m_value);
-        if (m_text->text() == text)
-            textChanged();
-        else
-            m_text->setText(text);
-    } else {
+    if (m_editing)
+        m_text->setText(CStr(m_value)); // not suppressed: the change processing raises ChangeValue
+    else
         FormatDisplay();
-    }
     m_suppressChange = false;
     Q_EMIT PropertyChanged(QStringLiteral("Value"));
 }
