@@ -111,7 +111,8 @@ public:
 Q_SIGNALS:
     void Change();
     void MouseMove();
-    void MouseMoveXY(qint16 &Button, qint16 &Shift, float &X, float &Y);
+    // Only Button is passed by reference here, unlike MouseUp and MouseDown.
+    void MouseMoveXY(qint16 &Button, qint16 Shift, float X, float Y);
     void MouseUp(qint16 &Button, qint16 &Shift, float &X, float &Y);
     void MouseDown(qint16 &Button, qint16 &Shift, float &X, float &Y);
 
