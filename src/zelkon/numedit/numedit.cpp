@@ -189,8 +189,11 @@ void NumEdit::setValue(double value)
             value = m_maxValue;
     }
     m_value = value;
+    // While editing the text is written without suppression, so the change processing raises
+    // ChangeValue. The text box stays silent for the text it already holds, and that silence is
+    // kept: it ends the exchange with a host that assigns Value from its ChangeValue handler.
     if (m_editing)
-        m_text->setText(CStr(m_value)); // not suppressed: the change processing raises ChangeValue
+        m_text->setText(CStr(m_value));
     else
         FormatDisplay();
     m_suppressChange = false;
