@@ -151,6 +151,8 @@ void tst_Conversions::isNumeric_data()
     QTest::newRow("en plus and leading point") << english << "+.5" << true << 0.5;
     QTest::newRow("en trailing point") << english << "7." << true << 7.0;
     QTest::newRow("en exponent") << english << "1e3" << true << 1000.0;
+    QTest::newRow("en 200 digits")
+        << english << QString(QLatin1Char('1') + QString(199, QLatin1Char('0'))) << true << 1e199;
     QTest::newRow("en two points") << english << "1.2.3" << false << 0.0;
     QTest::newRow("en grouping after point") << english << "1.2,3" << false << 0.0;
     QTest::newRow("en empty") << english << "" << false << 0.0;

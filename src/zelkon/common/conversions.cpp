@@ -8,6 +8,7 @@
 #include <charconv>
 #include <cmath>
 #include <limits>
+#include <string>
 
 namespace zelkon {
 
@@ -203,12 +204,11 @@ bool parseNumber(QStringView text, const QLocale &locale, double *result)
     while (end > i && isBlank(text.at(end - 1)))
         --end;
 
-    char buf[128];
-    int len = 0;
+    // Digits are copied in plain ASCII for from_chars; a number may have any count of them.
+    std::string buf;
+    buf.reserve(std::size_t(end - i));
     const auto put = [&](char c) {
-        if (len >= int(sizeof buf) - 1)
-            return false;
-        buf[len++] = c;
+        buf.push_back(c);
         return true;
     };
     if (i < end && (text.at(i) == QLatin1Char('+') || text.at(i) == QLatin1Char('-'))) {
@@ -256,8 +256,10 @@ bool parseNumber(QStringView text, const QLocale &locale, double *result)
     if (i != end)
         return false;
     double value = 0;
-    const std::from_chars_result r = std::from_chars(buf, buf + len, value);
-    if (r.ec != std::errc() || r.ptr != buf + len || !std::isfinite(value))
+    const char *first = buf.data();
+    const char *last = first + buf.size();
+    const std::from_chars_result r = std::from_chars(first, last, value);
+    if (r.ec != std::errc() || r.ptr != last || !std::isfinite(value))
         return false;
     if (result)
         *result = value;
