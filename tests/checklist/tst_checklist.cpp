@@ -399,6 +399,37 @@ private Q_SLOTS:
         QCOMPARE(combo.Title(), title);
     }
 
+    // Ctrl+A and Ctrl+I check the rows one after the other: each check that makes a second one
+    // leaves only itself, and a row is seen as that left it when its turn comes.
+    void singleCheckCommands_data()
+    {
+        QTest::addColumn<QString>("before");
+        QTest::addColumn<int>("key");
+        QTest::addColumn<QStringList>("after");
+
+        QTest::newRow("ctrlA, nothing checked") << QString() << int(Qt::Key_A) << sl({"c"});
+        QTest::newRow("ctrlA, last row checked") << "c" << int(Qt::Key_A) << sl({"c"});
+        QTest::newRow("ctrlI, first row checked") << "a" << int(Qt::Key_I) << sl({"c"});
+        QTest::newRow("ctrlI, last row checked") << "c" << int(Qt::Key_I) << sl({"c"});
+        QTest::newRow("ctrlU") << "b" << int(Qt::Key_U) << sl({});
+    }
+    void singleCheckCommands()
+    {
+        QFETCH(QString, before);
+        QFETCH(int, key);
+        QFETCH(QStringList, after);
+
+        CheckCombo *combo = showCombo();
+        combo->setSorting(false);
+        combo->setSingleCheck(true);
+        combo->setSArrayData(list1({"a", "b", "c"}));
+        combo->setArrayChecked(before.isEmpty() ? QVariant() : list1(QStringList(before)));
+        openAndActivate(combo);
+        QListWidget *list = combo->ListForm()->List();
+        QTest::keyClick(list, Qt::Key(key), Qt::ControlModifier);
+        QCOMPARE(checkedRows(list), after);
+    }
+
     void singleCheck()
     {
         CheckCombo *combo = showCombo();

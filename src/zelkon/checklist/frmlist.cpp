@@ -526,13 +526,51 @@ void frmList::setCheckedRows(const QList<bool> &checked, int newest)
     applySingleCheck(newest);
 }
 
+void frmList::setChecksInTurn(const std::function<bool(int, bool)> &state)
+{
+    CheckListWidget *l = List();
+    if (!m_singleCheck) {
+        l->setChecks(state);
+        return;
+    }
+    // The rows are set one after the other, and each check that makes a second one leaves only
+    // itself checked: a row that an earlier check unchecked is seen unchecked when its turn
+    // comes, so the last row checked in turn wins even where it was checked before.
+    const int n = l->count();
+    QList<bool> marks(n);
+    int count = 0;
+    for (int i = 0; i < n; ++i) {
+        marks[i] = l->isChecked(i);
+        count += marks.at(i) ? 1 : 0;
+    }
+    int sole = -1; // the one row left checked once the rule has run
+    for (int i = 0; i < n; ++i) {
+        const bool was = sole < 0 && marks.at(i);
+        const bool now = state(i, was);
+        if (now == was)
+            continue;
+        if (sole >= 0) {
+            sole = i;
+            continue;
+        }
+        marks[i] = now;
+        count += now ? 1 : -1;
+        if (now && count >= 2)
+            sole = i;
+    }
+    if (sole >= 0) {
+        marks.fill(false);
+        marks[sole] = true;
+    }
+    l->setChecks([&marks](int row, bool) { return marks.at(row); });
+}
+
 void frmList::CheckAllRows()
 {
     CheckListWidget *l = List();
     const int top = l->topRow();
-    const int newest = l->setChecks([](int, bool) { return true; });
+    setChecksInTurn([](int, bool) { return true; });
     l->setTopRow(top);
-    applySingleCheck(newest);
 }
 
 void frmList::UncheckAllRows()
@@ -547,9 +585,8 @@ void frmList::InvertRows()
 {
     CheckListWidget *l = List();
     const int top = l->topRow();
-    const int newest = l->setChecks([](int, bool checked) { return !checked; });
+    setChecksInTurn([](int, bool checked) { return !checked; });
     l->setTopRow(top);
-    applySingleCheck(newest);
 }
 
 void frmList::applySingleCheck(int newest)

@@ -122,6 +122,9 @@ private:
     void onItemChanged(QListWidgetItem *item);
     // Unchecks every row but `newest` when the single-check rule applies.
     void applySingleCheck(int newest);
+    // Sets every row's check to what `state(row, checked)` gives, row after row, under the
+    // single-check rule when it applies.
+    void setChecksInTurn(const std::function<bool(int row, bool checked)> &state);
     // Sets the checks of the rows named, unchecking the rest first; `newest` is the last row
     // that the caller's sequence checked.
     void setCheckedRows(const QList<bool> &checked, int newest);
