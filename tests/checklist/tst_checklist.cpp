@@ -353,6 +353,12 @@ private Q_SLOTS:
             QVariantList{30, 20, 99}, sl({"b", "c"}), {20, 30}, "List");
         row("identifiers of a 1-D array", list1({"p", "q"}), "ids", QVariantList{0, 0}, sl({"p"}),
             {0}, "p");
+        // Under single check the texts or identifiers are checked in turn: the last one wins,
+        // also when it was checked before.
+        row("single check, text repeated last", abc, "single texts", list1({"b", "a", "b"}),
+            sl({"b"}), {0}, "b");
+        row("single check, identifier repeated last", abc2, "single ids", QVariantList{2, 1, 2},
+            sl({"b"}), {2}, "b");
         row("Select All", array2({{"a", 1}, {"b", 2}, {"a", 3}}), "selectAll", {}, sl({"a", "b"}),
             {1, 2}, "All");
         row("Clear All", abc, "clearAll", {}, {}, {}, "All");
@@ -371,6 +377,10 @@ private Q_SLOTS:
         combo.setSArrayData(source);
         frmList *form = combo.ListForm();
         form->CheckAllRows();
+        if (how.startsWith(QLatin1String("single "))) {
+            combo.setSingleCheck(true);
+            how = how.mid(7);
+        }
         const QStringList result = checked.isEmpty() ? sl({"All"}) : checked;
         QVariant given = input;
         if (how == QLatin1String("texts") || how == QLatin1String("rebuild")) {

@@ -453,12 +453,20 @@ void frmList::RepairCheck()
             // for this call only: the list stays the one authority for the checks.
             FirstPlaces places(wanted.size());
             int unmatched = 0;
+            // Where each text stands last among the wanted: a repeated text is checked again
+            // in its later turn.
+            std::vector<int> lastPlace;
+            lastPlace.reserve(size_t(wanted.size()));
             for (const QVariant &text : wanted) {
+                const int place = int(lastPlace.size());
+                lastPlace.push_back(place);
                 QString key;
-                if (attempt([&] { key = CStr(text); }))
-                    unmatched += places.add(key) ? 1 : 0;
-                else
+                if (!attempt([&] { key = CStr(text); }))
                     places.skip();
+                else if (places.add(key))
+                    ++unmatched;
+                else
+                    lastPlace[size_t(places.find(key))] = place;
             }
             // A text checks one row only; the newest check is the row of the text that came
             // last among the wanted.
@@ -472,8 +480,8 @@ void frmList::RepairCheck()
                 used[size_t(place)] = true;
                 --unmatched;
                 marks[j] = true;
-                if (place > newestPlace) {
-                    newestPlace = place;
+                if (lastPlace[size_t(place)] > newestPlace) {
+                    newestPlace = lastPlace[size_t(place)];
                     newest = j;
                 }
             }
@@ -502,8 +510,9 @@ void frmList::RepairCheckID()
                 qint32 key = 0;
                 if (!attempt([&] { key = CLng(id); }))
                     continue;
+                // An identifier given again is checked again in its turn.
                 const auto it = firstRow.constFind(key);
-                if (it != firstRow.cend() && !marks[*it]) {
+                if (it != firstRow.cend()) {
                     marks[*it] = true;
                     newest = *it;
                 }
