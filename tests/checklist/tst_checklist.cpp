@@ -359,6 +359,9 @@ private Q_SLOTS:
             sl({"b"}), {0}, "b");
         row("single check, identifier repeated last", abc2, "single ids", QVariantList{2, 1, 2},
             sl({"b"}), {2}, "b");
+        row("single check, rebuild with a text checked twice",
+            array2({{"x", 1}, {"y", 2}, {"x", 3}}), "single rebuild all", {}, sl({"x"}), {3},
+            "All");
         row("Select All", array2({{"a", 1}, {"b", 2}, {"a", 3}}), "selectAll", {}, sl({"a", "b"}),
             {1, 2}, "All");
         row("Clear All", abc, "clearAll", {}, {}, {}, "All");
@@ -392,6 +395,9 @@ private Q_SLOTS:
                 form->RebuildVisibleRows();
                 form->GetChecked();
             }
+        } else if (how == QLatin1String("rebuild all")) { // the checks from before stay
+            form->RebuildVisibleRows();
+            form->GetChecked();
         } else if (how == QLatin1String("reload")) {
             combo.setArrayChecked(list1({"b", "c"}));
             combo.setSArrayData(input);

@@ -389,8 +389,14 @@ void frmList::RebuildVisibleRows()
     // Matching is by text alone: every row with a saved text is checked, so rows that share a
     // text are checked or unchecked together.
     FirstPlaces savedOrder(saved.size());
-    for (const QString &text : saved)
-        savedOrder.add(text);
+    // Where each text stands last among the saved: rows that share a text are checked again in
+    // the later turn of that text.
+    std::vector<int> lastPlace(size_t(saved.size()));
+    for (int place = 0; place < saved.size(); ++place) {
+        lastPlace[size_t(place)] = place;
+        if (!savedOrder.add(saved.at(place)))
+            lastPlace[size_t(savedOrder.find(saved.at(place)))] = place;
+    }
 
     QList<CheckRow> rows;
     for (const QVariant &k : elementsOf(m_arVis)) {
@@ -412,8 +418,8 @@ void frmList::RebuildVisibleRows()
         const CheckListWidget *l = List();
         for (int j = 0; j < l->count(); ++j) {
             const int place = savedOrder.find(l->rowText(j));
-            if (place >= 0 && place >= newestOrder) {
-                newestOrder = place;
+            if (place >= 0 && lastPlace[size_t(place)] >= newestOrder) {
+                newestOrder = lastPlace[size_t(place)];
                 newest = j;
             }
         }
