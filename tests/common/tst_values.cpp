@@ -1,6 +1,7 @@
 // Values, property bags and form files: what a host saves must come back exactly.
 #include <zelkon/common/control.h>
 #include <zelkon/common/error.h>
+#include <zelkon/common/extent.h>
 #include <zelkon/common/formfile.h>
 #include <zelkon/common/ignoreerrors.h>
 #include <zelkon/common/memorypropertybag.h>
@@ -9,6 +10,8 @@
 
 #include <QTemporaryDir>
 #include <QTest>
+
+#include <cmath>
 
 using namespace zelkon;
 
@@ -83,6 +86,8 @@ private Q_SLOTS:
     void failingControlLeavesFormAlone();
     void saveIsAtomic();
     void ignoreErrorsRunsEveryStep();
+    void extentKeys_data();
+    void extentKeys();
 
 private:
     QTemporaryDir m_dir;
@@ -269,6 +274,38 @@ void tst_Values::ignoreErrorsRunsEveryStep()
     QCOMPARE(failed, 2);
     QCOMPARE(ran, (QStringList{QStringLiteral("a"), QStringLiteral("c")}));
     QVERIFY(!attempt([] { throw Error(Overflow); }));
+}
+
+void tst_Values::extentKeys_data()
+{
+    QTest::addColumn<QVariant>("left");
+    QTest::addColumn<QVariant>("width");
+    QTest::addColumn<QRect>("expected");
+    const QRect start(10, 20, 100, 30);
+    QTest::newRow("nothing stored") << QVariant() << QVariant() << start;
+    QTest::newRow("both stored") << QVariant(5.4f) << QVariant(80.0) << QRect(5, 20, 80, 30);
+    QTest::newRow("damaged left alone")
+        << QVariant(QStringLiteral("abc")) << QVariant(80) << QRect(10, 20, 80, 30);
+    QTest::newRow("not finite") << QVariant(std::nan("")) << QVariant(1e30) << start;
+    QTest::newRow("null") << nullVariant() << QVariant(-1e9) << start;
+}
+
+void tst_Values::extentKeys()
+{
+    QFETCH(QVariant, left);
+    QFETCH(QVariant, width);
+    QFETCH(QRect, expected);
+    QWidget widget;
+    widget.setGeometry(10, 20, 100, 30);
+    MemoryPropertyBag bag;
+    writeExtent(widget, bag);
+    QVERIFY(bag.keys().isEmpty()); // written with themselves as default: nothing kept
+    if (left.isValid())
+        bag.insert(QStringLiteral("Left"), left);
+    if (width.isValid())
+        bag.insert(QStringLiteral("Width"), width);
+    readExtent(widget, bag);
+    QCOMPARE(widget.geometry(), expected);
 }
 
 QTEST_MAIN(tst_Values)

@@ -3,6 +3,7 @@
 #include <zelkon/checklist/frmlist.h>
 #include <zelkon/common/conversions.h>
 #include <zelkon/common/error.h>
+#include <zelkon/common/extent.h>
 #include <zelkon/common/ignoreerrors.h>
 #include <zelkon/common/keycodes.h>
 #include <zelkon/common/propertybag.h>
@@ -128,13 +129,8 @@ void CheckCombo::ReadProperties(PropertyBag &bag)
         [&] { m_allSelect = CBool(bag.ReadProperty(QStringLiteral("AllSelect"), false)); },
         [&] { m_appearance = CLng(bag.ReadProperty(QStringLiteral("Appearance"), qint32(1))); },
         [&] { m_border = CLng(bag.ReadProperty(QStringLiteral("Border"), qint32(1))); },
-        [&] { move(qRound(CDbl(bag.ReadProperty(QStringLiteral("Left"), Left()))), y()); },
-        [&] { move(x(), qRound(CDbl(bag.ReadProperty(QStringLiteral("Top"), Top())))); },
-        [&] {
-            resize(width(), qRound(CDbl(bag.ReadProperty(QStringLiteral("Height"), Height()))));
-        },
-        [&] { resize(qRound(CDbl(bag.ReadProperty(QStringLiteral("Width"), Width()))), height()); },
     });
+    readExtent(*this, bag);
     m_listForm->setMaxLine(m_maxLine);
     m_listForm->setSingleCheck(m_singleCheck);
     m_listForm->Timer()->setInterval(m_delay);
@@ -156,12 +152,7 @@ void CheckCombo::WriteProperties(PropertyBag &bag)
     bag.WriteProperty(QStringLiteral("AllSelect"), m_allSelect, false);
     bag.WriteProperty(QStringLiteral("Appearance"), m_appearance, qint32(1));
     bag.WriteProperty(QStringLiteral("Border"), m_border, qint32(1));
-    // Position and size are the container's business: written with themselves as the default,
-    // so nothing is stored, as every form saved so far expects.
-    bag.WriteProperty(QStringLiteral("Left"), Left(), Left());
-    bag.WriteProperty(QStringLiteral("Top"), Top(), Top());
-    bag.WriteProperty(QStringLiteral("Height"), Height(), Height());
-    bag.WriteProperty(QStringLiteral("Width"), Width(), Width());
+    writeExtent(*this, bag);
 }
 
 // Look properties -------------------------------------------------------------------------------
@@ -295,25 +286,25 @@ void CheckCombo::setBorder(qint32 border)
 
 void CheckCombo::setLeft(float left)
 {
-    move(qRound(left), y());
+    attempt([&] { move(toPixels(left), y()); });
     Q_EMIT PropertyChanged(QStringLiteral("Left"));
 }
 
 void CheckCombo::setTop(float top)
 {
-    move(x(), qRound(top));
+    attempt([&] { move(x(), toPixels(top)); });
     Q_EMIT PropertyChanged(QStringLiteral("Top"));
 }
 
 void CheckCombo::setHeight(float height)
 {
-    resize(width(), qRound(height));
+    attempt([&] { resize(width(), qMax(0, toPixels(height))); });
     Q_EMIT PropertyChanged(QStringLiteral("Height"));
 }
 
 void CheckCombo::setWidth(float width)
 {
-    resize(qRound(width), height());
+    attempt([&] { resize(qMax(0, toPixels(width)), height()); });
     Q_EMIT PropertyChanged(QStringLiteral("Width"));
 }
 

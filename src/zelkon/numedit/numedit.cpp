@@ -1,5 +1,6 @@
 #include <zelkon/common/colors.h>
 #include <zelkon/common/conversions.h>
+#include <zelkon/common/extent.h>
 #include <zelkon/common/ignoreerrors.h>
 #include <zelkon/common/keycodes.h>
 #include <zelkon/common/platform.h>
@@ -115,11 +116,7 @@ void NumEdit::ReadProperties(PropertyBag &bag)
     // within them, and clamping against a half-loaded range would change it.
     attempt([&] { m_minValue = CDbl(bag.ReadProperty(QStringLiteral("MinValue"), 0.0)); });
     attempt([&] { m_maxValue = CDbl(bag.ReadProperty(QStringLiteral("MaxValue"), 0.0)); });
-    attempt([&] {
-        const qint32 h = CLng(bag.ReadProperty(QStringLiteral("Height"), qint32(height())));
-        const qint32 w = CLng(bag.ReadProperty(QStringLiteral("Width"), qint32(width())));
-        resize(w, h);
-    });
+    readExtent(*this, bag, ExtentKeys::SizeOnly);
     attempt([&] {
         m_text->setEnabled(CBool(bag.ReadProperty(QStringLiteral("Enabled"), isEnabledProperty())));
     });
@@ -159,8 +156,7 @@ void NumEdit::WriteProperties(PropertyBag &bag)
         // Size and Enabled are written with their current state as the default, so in effect
         // nothing is stored for them: forms saved so far rely on the container's own size, and a
         // reloaded control keeps the enabled state it is created with.
-        [&] { bag.WriteProperty(QStringLiteral("Height"), qint32(height()), qint32(height())); },
-        [&] { bag.WriteProperty(QStringLiteral("Width"), qint32(width()), qint32(width())); },
+        [&] { writeExtent(*this, bag, ExtentKeys::SizeOnly); },
         [&] {
             bag.WriteProperty(QStringLiteral("Enabled"), isEnabledProperty(), isEnabledProperty());
         },

@@ -1,5 +1,6 @@
 #include <zelkon/common/conversions.h>
 #include <zelkon/common/datepicker.h>
+#include <zelkon/common/extent.h>
 #include <zelkon/common/ignoreerrors.h>
 #include <zelkon/common/keycodes.h>
 #include <zelkon/common/platform.h>
@@ -776,12 +777,7 @@ void RelDate::WriteProperties(PropertyBag &bag)
         [&] { bag.WriteProperty(QStringLiteral("MaxDate"), MaxDate(), defaultMaxDate); },
         [&] { bag.WriteProperty(QStringLiteral("MinDate"), MinDate(), defaultMinDate); },
         [&] { bag.WriteProperty(QStringLiteral("UpDown"), UpDown(), false); },
-        // Position and size are written with themselves as default, so nothing is kept for them;
-        // the container stores the geometry.
-        [&] { bag.WriteProperty(QStringLiteral("Left"), float(x()), float(x())); },
-        [&] { bag.WriteProperty(QStringLiteral("Top"), float(y()), float(y())); },
-        [&] { bag.WriteProperty(QStringLiteral("Height"), float(height()), float(height())); },
-        [&] { bag.WriteProperty(QStringLiteral("Width"), float(width()), float(width())); },
+        [&] { writeExtent(*this, bag); },
         [&] { bag.WriteProperty(QStringLiteral("Border"), m_border, qint32(1)); },
         [&] { bag.WriteProperty(QStringLiteral("Appearance"), m_appearance, qint32(1)); },
     });
@@ -829,13 +825,7 @@ void RelDate::ReadProperties(PropertyBag &bag)
         [&] { m_dateView->setMaxDate(CDate(read("MaxDate", defaultMaxDate))); },
         [&] { m_dateView->setMinDate(CDate(read("MinDate", defaultMinDate))); },
         [&] { m_dateView->setUpDown(CBool(read("UpDown", false))); },
-        [&] {
-            move(qRound(CDbl(read("Left", float(x())))), qRound(CDbl(read("Top", float(y())))));
-        },
-        [&] {
-            resize(qRound(CDbl(read("Width", float(width())))),
-                   qRound(CDbl(read("Height", float(height())))));
-        },
+        [&] { readExtent(*this, bag); },
     });
 
     if (isAll(m_date)) {
