@@ -87,6 +87,8 @@ private Q_SLOTS:
     void modePropagation();
     void layout_data();
     void layout();
+    void accessibleNames_data();
+    void accessibleNames();
 
 private:
     TestPlatform m_platform{QDate(2024, 5, 10)};
@@ -609,6 +611,50 @@ void tst_RelDate::layout()
         QVERIFY(spin->width() > 0 && edit->width() > spin->width());
     }
     QCOMPARE(date.top(), client.top() - 2);
+}
+
+void tst_RelDate::accessibleNames_data()
+{
+    QTest::addColumn<QString>("host"); // the control's own name, given once the form is shown
+    QTest::addColumn<QStringList>("names"); // DateView, its edit, All, DateLong, DateLongUD, ChRel
+    QTest::newRow("unnamed") << QString()
+                             << QStringList{QStringLiteral("Date"),
+                                            QStringLiteral("Date"),
+                                            QStringLiteral("Date: any date"),
+                                            QStringLiteral("Days from today"),
+                                            QStringLiteral("Step days from today"),
+                                            loadString(207)};
+    QTest::newRow("named by the host") << QStringLiteral("From")
+                                       << QStringList{QStringLiteral("From"),
+                                                      QStringLiteral("From"),
+                                                      QStringLiteral("From: any date"),
+                                                      QStringLiteral("From: Days from today"),
+                                                      QStringLiteral("From: Step days from today"),
+                                                      QStringLiteral("From: ") + loadString(207)};
+}
+
+void tst_RelDate::accessibleNames()
+{
+    QFETCH(QString, host);
+    QFETCH(QStringList, names);
+    Form form;
+    RelDate *r = form.add("D");
+    r->setRetDate(All);
+    QVERIFY(form.show());
+    r->setAccessibleName(host);
+    auto *edit = child<QLineEdit>(r, "DateLong");
+    edit->setFocus();
+    QTRY_VERIFY(edit->hasFocus());
+    auto *picker = child<DatePicker>(r, "DateView");
+    const QStringList seen{picker->accessibleName(),
+                           picker->dateEdit()->accessibleName(),
+                           child(picker, "all")->accessibleName(),
+                           edit->accessibleName(),
+                           child(r, "DateLongUD")->accessibleName(),
+                           child(r, "ChRel")->accessibleName()};
+    QCOMPARE(seen, names);
+    QCOMPARE(picker->dateEdit()->accessibleDescription(), loadString(201));
+    QCOMPARE(edit->accessibleDescription(), loadString(202));
 }
 
 QTEST_MAIN(tst_RelDate)

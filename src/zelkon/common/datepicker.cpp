@@ -74,6 +74,25 @@ DatePicker::DatePicker(QWidget *parent)
     applyRange();
     applyFormat();
     showValue();
+    updateAccessibleNames();
+}
+
+void DatePicker::updateAccessibleNames()
+{
+    const QString name = accessibleName();
+    const QString description
+        = accessibleDescription().isEmpty() ? toolTip() : accessibleDescription();
+    m_edit->setAccessibleName(name.isEmpty() ? tr("Date") : name);
+    m_edit->setAccessibleDescription(description);
+    m_all->setAccessibleName(name.isEmpty() ? tr("Any date") : tr("%1: any date").arg(name));
+    m_all->setAccessibleDescription(description);
+}
+
+bool DatePicker::event(QEvent *event)
+{
+    if (event->type() == QEvent::Show || event->type() == QEvent::ToolTipChange)
+        updateAccessibleNames();
+    return QWidget::event(event);
 }
 
 QDateTime DatePicker::clamped(const QDateTime &value) const
@@ -201,6 +220,10 @@ bool DatePicker::eventFilter(QObject *watched, QEvent *event)
         return false;
     }
     switch (event->type()) {
+    case QEvent::FocusIn:
+        // A name given after the picker was shown reaches the part that takes the focus.
+        updateAccessibleNames();
+        break;
     case QEvent::MouseButtonPress:
         // The calendar is made the first time it may open, and watched from then on.
         hookCalendar();

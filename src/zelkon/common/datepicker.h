@@ -61,6 +61,10 @@ public:
     // Whether the word All is shown instead of a date.
     bool showsAll() const;
     QDateTimeEdit *dateEdit() const { return m_edit; }
+    // The inner date edit and the word All are named after the picker's own accessible name and
+    // description ("Date" when it has none); the word All says that any date is meant. Runs on
+    // show and on focus; call it after renaming the picker while it is shown.
+    void updateAccessibleNames();
 
     QSize sizeHint() const override;
     QSize minimumSizeHint() const override;
@@ -75,6 +79,7 @@ Q_SIGNALS:
     void KeyDown(qint16 &KeyCode, qint16 &Shift);
 
 protected:
+    bool event(QEvent *event) override;
     bool eventFilter(QObject *watched, QEvent *event) override;
     void resizeEvent(QResizeEvent *event) override;
 

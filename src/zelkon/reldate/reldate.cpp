@@ -89,6 +89,7 @@ RelDate::RelDate(QWidget *parent)
     m_dateLong->setToolTip(loadString(202));
     m_dateLongUD->setToolTip(loadString(202));
     m_chRel->setToolTip(loadString(207));
+    updateAccessibleNames();
 
     connect(m_dateAll, &QAction::triggered, this, [this] { menuDateAllChosen(); });
     connect(m_mnuRel, &QAction::triggered, this, [this] { menuRelChosen(); });
@@ -635,6 +636,10 @@ bool RelDate::eventFilter(QObject *watched, QEvent *event)
     if (!child)
         return Control::eventFilter(watched, event);
     switch (event->type()) {
+    case QEvent::FocusIn:
+        // A name the host gave after the form was shown is read when a part takes the focus.
+        updateAccessibleNames();
+        break;
     case QEvent::ContextMenu:
         // The widgets' own edit menus would cover the control's menu.
         return true;
@@ -949,6 +954,30 @@ void RelDate::layoutWidgets()
 void RelDate::resizeEvent(QResizeEvent *)
 {
     layoutWidgets();
+}
+
+void RelDate::showEvent(QShowEvent *event)
+{
+    updateAccessibleNames();
+    Control::showEvent(event);
+}
+
+void RelDate::updateAccessibleNames()
+{
+    // The host's name for the control names the date itself and leads the names of the other
+    // parts, so that a screen reader tells apart the "from" and "to" fields of one form.
+    const QString host = accessibleName();
+    const auto named = [&host](const QString &part) {
+        return host.isEmpty() ? part : tr("%1: %2").arg(host, part);
+    };
+    m_dateView->setAccessibleName(host.isEmpty() ? tr("Date") : host);
+    m_dateView->setAccessibleDescription(loadString(201));
+    m_dateView->updateAccessibleNames();
+    m_dateLong->setAccessibleName(named(tr("Days from today")));
+    m_dateLong->setAccessibleDescription(loadString(202));
+    m_dateLongUD->setAccessibleName(named(tr("Step days from today")));
+    m_dateLongUD->setAccessibleDescription(loadString(202));
+    m_chRel->setAccessibleName(named(loadString(207)));
 }
 
 void RelDate::paintEvent(QPaintEvent *)

@@ -120,6 +120,7 @@ protected:
     bool eventFilter(QObject *watched, QEvent *event) override;
     void resizeEvent(QResizeEvent *event) override;
     void paintEvent(QPaintEvent *event) override;
+    void showEvent(QShowEvent *event) override;
 
 private:
     // User gestures.
@@ -147,6 +148,7 @@ private:
     void setDateLongText(const QString &text);
     void refreshView();
     void layoutWidgets();
+    void updateAccessibleNames();
     int frameWidth() const;
     QWidget *namedChildOf(QObject *watched) const;
     void watchChild(QWidget *child);
