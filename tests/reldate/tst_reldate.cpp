@@ -12,6 +12,7 @@
 #include <QLineEdit>
 #include <QMenu>
 #include <QSignalSpy>
+#include <QStyle>
 #include <QTest>
 
 using namespace zelkon;
@@ -594,15 +595,19 @@ void tst_RelDate::layout()
     QVERIFY(view->isVisible() != relative && edit->isVisible() == relative
             && spin->isVisible() == relative);
 
-    // The date widgets share the width left by the box and reach under the other edges.
+    // The date widgets share the width left by the box and reach under the other edges; the box
+    // has the style's indicator size, centred in the slot left to it.
     const QRect date = relative ? edit->geometry().united(spin->geometry()) : view->geometry();
+    const QRect b = box->geometry();
+    if (boxState != rbsNotVisible)
+        QCOMPARE(b.size(),
+                 QSize(box->style()->pixelMetric(QStyle::PM_IndicatorWidth),
+                       box->style()->pixelMetric(QStyle::PM_IndicatorHeight)));
     if (boxState == rbsRight) {
-        QCOMPARE(box->geometry().right(), client.right());
-        QCOMPARE(date.right() + 1, box->geometry().left());
+        QVERIFY(qAbs((b.left() - date.right()) - (client.right() + 1 - b.right())) <= 1);
         QCOMPARE(date.left(), client.left() - 2);
     } else if (boxState == rbsLeft) {
-        QCOMPARE(box->geometry().left(), client.left());
-        QCOMPARE(date.left(), box->geometry().right() + 1);
+        QVERIFY(qAbs((b.left() - client.left()) - (date.left() - b.right())) <= 1);
     } else if (!relative) {
         QCOMPARE(view->geometry(), client.adjusted(-2, -2, 2, 2));
     }

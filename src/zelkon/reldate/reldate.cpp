@@ -17,6 +17,7 @@
 #include <QMenu>
 #include <QPainter>
 #include <QScopedValueRollback>
+#include <QStyle>
 #include <QStyleOptionFrame>
 
 #include <limits>
@@ -918,23 +919,34 @@ void RelDate::layoutWidgets()
     setContentsMargins(frame, frame, frame, frame);
     m_surface->setGeometry(contentsRect());
     const QRect client = m_surface->rect();
-    const int boxWidth = qMin(m_chRel->sizeHint().width(), client.width() / 2);
+    // The box takes the style's indicator size, centred in a slot with half the style's label
+    // spacing on either side, so that it scales with the style and the screen.
+    const QStyle *boxStyle = m_chRel->style();
+    const int indicatorWidth = boxStyle->pixelMetric(QStyle::PM_IndicatorWidth, nullptr, m_chRel);
+    const int indicatorHeight = boxStyle->pixelMetric(QStyle::PM_IndicatorHeight, nullptr, m_chRel);
+    const int gap
+        = qMax(0, boxStyle->pixelMetric(QStyle::PM_CheckBoxLabelSpacing, nullptr, m_chRel)) / 2;
+    const int slotWidth = qMin(indicatorWidth + 2 * gap, client.width() / 2);
+    const QSize boxSize(qMin(indicatorWidth, slotWidth), qMin(indicatorHeight, client.height()));
+    const auto placeBox = [&](int slotLeft) {
+        m_chRel->setGeometry(QRect(QPoint(slotLeft + (slotWidth - boxSize.width()) / 2,
+                                          client.top() + (client.height() - boxSize.height()) / 2),
+                                   boxSize));
+        m_chRel->show();
+    };
     QRect area = client;
     int overLeft = 2;
     int overRight = 2;
     switch (m_checkBoxState) {
     case rbsRight:
-        m_chRel->setGeometry(client.right() - boxWidth + 1, client.top(), boxWidth,
-                             client.height());
-        area.setRight(client.right() - boxWidth);
+        placeBox(client.right() - slotWidth + 1);
+        area.setRight(client.right() - slotWidth);
         overRight = 0;
-        m_chRel->show();
         break;
     case rbsLeft:
-        m_chRel->setGeometry(client.left(), client.top(), boxWidth, client.height());
-        area.setLeft(client.left() + boxWidth);
+        placeBox(client.left());
+        area.setLeft(client.left() + slotWidth);
         overLeft = 0;
-        m_chRel->show();
         break;
     default:
         m_chRel->hide();
@@ -944,6 +956,7 @@ void RelDate::layoutWidgets()
     // the control's.
     const QRect over = area.adjusted(-overLeft, -2, overRight, 2);
     m_dateView->setGeometry(over);
+    // The spinner's own size hint follows the style's scroll bar width.
     const int spinWidth = qMin(m_dateLongUD->sizeHint().width(), area.width() / 2);
     const int spinLeft = area.right() - spinWidth + 1;
     m_dateLongUD->setGeometry(spinLeft, area.top(), spinWidth, area.height());
