@@ -221,8 +221,9 @@ void tst_RelDate::gestures_data()
             << startRelative << QString::fromLatin1(gesture) << allowAll << relative << days
             << QString::fromLatin1(shown) << changes;
     };
-    // From 9 days back, on MinDate; MaxDate is 22 days ahead. An accepted typed count reports
-    // twice: once from the spinner it moves, once from the field.
+    // From 9 days back, on MinDate's day; MaxDate is 22 days ahead. Both bounds carry a time of
+    // day, which does not count. An accepted typed count reports twice: once from the spinner it
+    // moves, once from the field.
     row(true, "type +5", true, true, 5, "5", 2);
     row(true, "type  7", true, true, 7, "7", 2);
     row(true, "type -2", true, true, -2, "-2", 2);
@@ -231,6 +232,8 @@ void tst_RelDate::gestures_data()
     row(true, "type 30", true, true, -9, "-9", 0);
     row(true, "type -10", true, true, -9, "-9", 0);
     row(true, "type 1000000000", true, true, -9, "-9", 0);
+    row(true, "type 3; type -9", true, true, -9, "-9", 4);
+    row(true, "type 22", true, true, 22, "22", 2);
     row(true, "click up", true, true, -8, "-8", 1);
     row(true, "click down", true, true, -9, "-9", 0);
     row(true, "click ChRel", true, false, -9, "-9", 1);
@@ -266,8 +269,8 @@ void tst_RelDate::gestures()
     r->setCheckBoxState(rbsLeft);
     r->setMenuStateVisible(true);
     r->setCustomFormat(QStringLiteral("yyyy-MM-dd"));
-    r->setMinDate(day(2024, 5, 1));
-    r->setMaxDate(day(2024, 6, 1));
+    r->setMinDate(day(2024, 5, 1, 12));
+    r->setMaxDate(day(2024, 6, 1, 9));
     r->setRetNum(-9);
     r->setRelative(startRelative);
     QVERIFY(form.show());

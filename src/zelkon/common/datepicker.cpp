@@ -95,6 +95,11 @@ bool DatePicker::event(QEvent *event)
     return QWidget::event(event);
 }
 
+bool DatePicker::inRange(const QDateTime &date) const
+{
+    return date.date() >= m_min.date() && date.date() <= m_max.date();
+}
+
 QDateTime DatePicker::clamped(const QDateTime &value) const
 {
     if (value.date() < m_min.date())

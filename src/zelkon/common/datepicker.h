@@ -42,6 +42,8 @@ public:
     void setMinDate(const QDateTime &date);
     QDateTime MaxDate() const { return m_max; }
     void setMaxDate(const QDateTime &date);
+    // Whether the picker takes the date as it is: its calendar day lies within the bounds' days.
+    bool inRange(const QDateTime &date) const;
     // Empty: the short date format of the platform's locale. The text "All" is no format: the
     // picker then shows the word All instead of a date until another format is set.
     QString CustomFormat() const { return m_customFormat; }

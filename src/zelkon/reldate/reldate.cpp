@@ -461,7 +461,7 @@ void RelDate::dateLongChanged()
             // Day of year adds whole days just as "d" does.
             date = DateAdd(QStringLiteral("y"), days, today());
         })
-        || date > MaxDate() || date < MinDate()) {
+        || !m_dateView->inRange(date)) {
         m_dateLong->setText(previous);
         return;
     }
@@ -478,8 +478,10 @@ void RelDate::dateLongUDChanged()
     const QScopedValueRollback<bool> guard(m_dateLongUDGuard, true);
     const qint32 days = m_dateLongUD->Value();
     QDateTime date;
-    if (!attempt([&] { date = DateAdd(QStringLiteral("y"), days, today()); }) || date > MaxDate()
-        || date < MinDate()) {
+    // The count lands on a day at midnight; the bounds count by calendar day, as the picker
+    // clamps, so a bound with a time of day still admits its own day.
+    if (!attempt([&] { date = DateAdd(QStringLiteral("y"), days, today()); })
+        || !m_dateView->inRange(date)) {
         attempt([&] { m_dateLongUD->setValue(m_dayCount); });
         return;
     }
