@@ -50,6 +50,8 @@ private Q_SLOTS:
     void allDisplay();
     void calendarDropDownAndCloseUp();
     void keyDownCanSwallowAKey();
+    void customFormats_data();
+    void customFormats();
 
 private:
     TestPlatform m_platform{QDate(2024, 5, 10)};
@@ -197,6 +199,35 @@ void tst_DatePicker::keyDownCanSwallowAKey()
                        QKeySequence::fromString(QStringLiteral("Up, Up, Up")));
     QCOMPARE(shown.picker->Value(), dt(2024, 5, 11, 15, 30));
     QCOMPARE(change.size(), 3);
+}
+
+void tst_DatePicker::customFormats_data()
+{
+    QTest::addColumn<QString>("format"); // the platform picker's codes
+    QTest::addColumn<QString>("qtFormat");
+    QTest::addColumn<QString>("shown"); // 2024-05-10 15:07
+    auto row = [](const char *format, const char *qt, const char *shown) {
+        QTest::newRow(format) << QString::fromLatin1(format) << QString::fromLatin1(qt)
+                              << QString::fromLatin1(shown);
+    };
+    row("dd.MM.yyyy HH:mm", "dd.MM.yyyy HH:mm", "10.05.2024 15:07");
+    row("M/d/yy h:m", "M/d/yy h:m", "5/10/24 15:7"); // months and minutes as in Qt
+    row("h:mm t", "h:mm AP", "3:07 PM"); // no time zone
+    row("hh:mm tt", "hh:mm AP", "03:07 PM");
+    row("d MMM yyy", "d MMM yyyy", "10 May 2024");
+    row("'at' HH 'o''clock' tt", "'at' HH 'o''clock' AP", "at 15 o'clock PM");
+    row("d a z A", "d 'a' 'z' 'A'", "10 a z A");
+    row("dd 'tt", "dd 'tt'", "10 tt");
+}
+
+void tst_DatePicker::customFormats()
+{
+    QFETCH(QString, format);
+    DatePicker picker;
+    picker.setValue(dt(2024, 5, 10, 15, 7));
+    picker.setCustomFormat(format);
+    QTEST(picker.dateEdit()->displayFormat(), "qtFormat");
+    QTEST(picker.dateEdit()->text(), "shown");
 }
 
 QTEST_MAIN(tst_DatePicker)

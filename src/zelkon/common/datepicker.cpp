@@ -28,11 +28,45 @@ QString shortDateFormat(const QLocale &locale)
     return format;
 }
 
-// Picker formats name the half-day marker "tt"; Qt calls it "AP".
+// Custom formats use the platform picker's codes. Days, months ("M"), hours, minutes ("m") and
+// seconds read the same in Qt; the others are translated here:
+// - "t" and "tt", the half-day marker, are Qt's "AP" (Qt has no one-letter marker, and its own
+//   "t" is the time zone);
+// - "y" and "yyy" become Qt's two- and four-digit years;
+// - "a", "A" and "z", codes to Qt only, stay the literal letters they are to the platform.
+// Quoted text is kept; an unclosed quote runs to the end, as the platform reads it.
 QString qtFormat(const QString &format)
 {
-    QString result = format;
-    result.replace(QStringLiteral("tt"), QStringLiteral("AP"));
+    QString result;
+    for (qsizetype i = 0; i < format.size();) {
+        const QChar c = format.at(i);
+        if (c == QLatin1Char('\'')) {
+            const qsizetype close = format.indexOf(QLatin1Char('\''), i + 1);
+            result += close < 0 ? format.mid(i) + QLatin1Char('\'') : format.mid(i, close + 1 - i);
+            i = close < 0 ? format.size() : close + 1;
+            continue;
+        }
+        qsizetype run = 1;
+        while (i + run < format.size() && format.at(i + run) == c)
+            ++run;
+        switch (c.unicode()) {
+        case 't':
+            result += QLatin1String("AP");
+            break;
+        case 'y':
+            result += run > 2 ? QLatin1String("yyyy") : QLatin1String("yy");
+            break;
+        case 'a':
+        case 'A':
+        case 'z':
+            result += QLatin1Char('\'') + QString(run, c) + QLatin1Char('\'');
+            break;
+        default:
+            result += QString(run, c);
+            break;
+        }
+        i += run;
+    }
     return result;
 }
 
