@@ -9,6 +9,7 @@
 #include <zelkon/data/recordset.h>
 #include <zelkon/dropdown/frmshowhide.h>
 
+#include <QAccessible>
 #include <QAction>
 #include <QApplication>
 #include <QLineEdit>
@@ -189,6 +190,81 @@ private Q_SLOTS:
         control->setProperty("Enabled", false); // reaches the widget's own enabled state
         QVERIFY(!control->isEnabled());
         QCOMPARE(changed.value(0).value(0).toString(), QStringLiteral("Enabled"));
+    }
+
+    // What a screen reader reads for each part: the widget named `object` (Index `index` where
+    // two share the name) after the host named the control, typed or as a plain QWidget.
+    void accessibleNames_data()
+    {
+        QTest::addColumn<QString>("hostName");
+        QTest::addColumn<bool>("asQWidget");
+        QTest::addColumn<bool>("open");
+        QTest::addColumn<QString>("object");
+        QTest::addColumn<int>("index");
+        QTest::addColumn<QString>("name");
+        QTest::addColumn<QString>("description");
+
+        const QString none;
+        const QString hint = QStringLiteral("Check/Uncheck Items");
+        QTest::newRow("field unnamed")
+            << none << false << false << "Text" << -1 << "Filter" << none;
+        QTest::newRow("field named by property")
+            << "Regions" << false << false << "Text" << -1 << "Regions" << none;
+        QTest::newRow("field named as QWidget, then focused")
+            << "Regions" << true << false << "Text" << -1 << "Regions" << none;
+        QTest::newRow("button closed")
+            << none << false << false << "ButDropDown" << -1 << "Open list" << none;
+        QTest::newRow("button open")
+            << none << false << true << "ButDropDown" << -1 << "Close list" << none;
+        QTest::newRow("popup") << none << false << true << "frmList" << -1 << "Filter list" << none;
+        QTest::newRow("list") << none << false << true << "List" << 0 << "Rows" << hint;
+        QTest::newRow("sorted list")
+            << none << false << true << "List" << 1 << "Rows, sorted" << hint;
+        QTest::newRow("dialog") << none << false << false << "frmShowHide" << -1 << "Show/Hide"
+                                << none;
+        QTest::newRow("dialog rows") << none << false << false << "HideBox" << -1 << "Rows to show"
+                                     << "Marked rows stay in the list";
+        QTest::newRow("dialog yes") << none << false << false << "btnYes" << -1 << "Yes"
+                                    << "Show the marked rows only";
+    }
+    void accessibleNames()
+    {
+        QFETCH(QString, hostName);
+        QFETCH(bool, asQWidget);
+        QFETCH(bool, open);
+        QFETCH(QString, object);
+        QFETCH(int, index);
+        QFETCH(QString, name);
+        QFETCH(QString, description);
+
+        CheckCombo *combo = showCombo();
+        frmShowHide dialog;
+        if (asQWidget) { // the field learns the name when it is focused again
+            static_cast<QWidget *>(combo)->setAccessibleName(hostName);
+            combo->findChild<QLineEdit *>(QStringLiteral("Text"))->clearFocus();
+            combo->setFocus();
+        } else if (!hostName.isEmpty()) {
+            combo->setProperty("accessibleName", hostName);
+        }
+        if (open)
+            openAndActivate(combo);
+
+        QWidget *widget = nullptr;
+        const QList<QWidget *> roots{combo, combo->ListForm(), &dialog};
+        for (QWidget *root : roots) {
+            QList<QWidget *> found = root->findChildren<QWidget *>(object);
+            found.prepend(root);
+            for (QWidget *w : found) {
+                if (!widget && w->objectName() == object
+                    && (index < 0 || w->property("Index").toInt() == index))
+                    widget = w;
+            }
+        }
+        QVERIFY(widget);
+        QAccessibleInterface *accessible = QAccessible::queryAccessibleInterface(widget);
+        QVERIFY(accessible);
+        QCOMPARE(accessible->text(QAccessible::Name), name);
+        QCOMPARE(accessible->text(QAccessible::Description), description);
     }
 
     void loadArray_data()

@@ -51,6 +51,9 @@ CheckCombo::CheckCombo(QWidget *parent)
     m_text->setObjectName(QStringLiteral("Text"));
     m_text->setMouseTracking(true);
     m_text->installEventFilter(this);
+    // The field is the control's one tab stop and takes the focus given to the control.
+    setFocusProxy(m_text);
+    setFocusPolicy(m_text->focusPolicy());
 
     m_button = new QToolButton(this);
     m_button->setObjectName(QStringLiteral("ButDropDown"));
@@ -58,6 +61,7 @@ CheckCombo::CheckCombo(QWidget *parent)
     m_button->setFocusPolicy(Qt::NoFocus);
     m_button->setMouseTracking(true);
     m_button->installEventFilter(this);
+    syncAccessibleNames();
 
     m_checkTime = new QTimer(this);
     m_checkTime->setObjectName(QStringLiteral("CheckTime"));
@@ -334,6 +338,18 @@ void CheckCombo::layoutChildren()
                         client.height());
 }
 
+void CheckCombo::setAccessibleName(const QString &name)
+{
+    QWidget::setAccessibleName(name);
+    syncAccessibleNames();
+}
+
+void CheckCombo::syncAccessibleNames()
+{
+    m_text->setAccessibleName(accessibleName().isEmpty() ? tr("Filter") : accessibleName());
+    m_button->setAccessibleName(m_listOpen ? tr("Close list") : tr("Open list"));
+}
+
 void CheckCombo::setFieldText(const QString &text)
 {
     m_text->setText(text);
@@ -597,6 +613,7 @@ void CheckCombo::openList()
 
     m_watched = window();
     m_checkTime->start();
+    syncAccessibleNames();
     Q_EMIT Click();
 }
 
@@ -605,6 +622,7 @@ void CheckCombo::closeList()
     m_listOpen = false;
     m_checkTime->stop();
     m_listForm->popDown();
+    syncAccessibleNames();
 }
 
 void CheckCombo::onCheckTime()
@@ -639,6 +657,7 @@ void CheckCombo::ListForm_ChangeInv(bool inverted)
 void CheckCombo::ListForm_UnloadMe()
 {
     m_listOpen = false;
+    syncAccessibleNames();
 }
 
 bool CheckCombo::eventFilter(QObject *watched, QEvent *event)
@@ -646,6 +665,10 @@ bool CheckCombo::eventFilter(QObject *watched, QEvent *event)
     if (watched != m_text && watched != m_button)
         return Control::eventFilter(watched, event);
     switch (event->type()) {
+    case QEvent::FocusIn:
+    case QEvent::WindowActivate:
+        syncAccessibleNames();
+        break;
     case QEvent::MouseButtonPress:
     case QEvent::MouseButtonDblClick: {
         MouseArgs args = mouseArgs(static_cast<QMouseEvent *>(event));

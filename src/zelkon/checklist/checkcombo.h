@@ -35,6 +35,8 @@ class ZELKON_EXPORT CheckCombo : public Control
     Q_PROPERTY(float Height READ Height WRITE setHeight)
     Q_PROPERTY(float Width READ Width WRITE setWidth)
     Q_PROPERTY(QFont Font READ Font WRITE putFont)
+    // Redeclared so that a name set by property (forms, Designer) reaches the field as well.
+    Q_PROPERTY(QString accessibleName READ accessibleName WRITE setAccessibleName)
 
     Q_PROPERTY(zelkon::CheckCombo::ExDate TypeData READ TypeData WRITE setTypeData)
     Q_PROPERTY(QVariant SArrayData READ SArrayData WRITE setSArrayData)
@@ -120,6 +122,13 @@ public:
     Q_INVOKABLE void SelectAll();
     Q_INVOKABLE void ClearAll();
 
+    // The control's accessible name is also the name of its field, where the focus and thus a
+    // screen reader's attention goes; the field is called "Filter" while the host gives none.
+    // QWidget::setAccessibleName is not virtual and sends the widget no event: this one hides it
+    // for callers that know the control's type, and the field catches up when it gains the focus
+    // or its window is activated, the moments a screen reader reads it, for those that do not.
+    void setAccessibleName(const QString &name);
+
     // The drop-down: opens it when closed, closes it when open.
     void dropDown();
     bool isDroppedDown() const { return m_listOpen; }
@@ -145,6 +154,7 @@ private:
     void ListForm_ChangeInv(bool inverted);
     void ListForm_UnloadMe();
     void layoutChildren();
+    void syncAccessibleNames();
     void applyLook();
     void setFieldText(const QString &text);
     void setTips(const QVariant &texts);

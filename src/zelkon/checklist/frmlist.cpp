@@ -183,6 +183,12 @@ frmList::frmList(QWidget *parent)
     m_sorted->hide();
     m_unsorted->setToolTip(loadString(101));
     m_sorted->setToolTip(loadString(101));
+    // The tool tip gives way to a row's own text under the mouse; the description stays the hint.
+    setAccessibleName(tr("Filter list"));
+    m_unsorted->setAccessibleName(tr("Rows"));
+    m_sorted->setAccessibleName(tr("Rows, sorted"));
+    m_unsorted->setAccessibleDescription(loadString(101));
+    m_sorted->setAccessibleDescription(loadString(101));
 }
 
 frmList::~frmList()
