@@ -267,6 +267,62 @@ private Q_SLOTS:
         QCOMPARE(accessible->text(QAccessible::Description), description);
     }
 
+    // The closed field opens from the keyboard as a combo box does; the field is the one tab stop.
+    void openKeys_data()
+    {
+        QTest::addColumn<QString>("target");
+        QTest::addColumn<Qt::Key>("key");
+        QTest::addColumn<Qt::KeyboardModifiers>("modifiers");
+        QTest::addColumn<bool>("opens");
+
+        const Qt::KeyboardModifiers none;
+        QTest::newRow("F4") << "Text" << Qt::Key_F4 << none << true;
+        QTest::newRow("Alt+Down") << "Text" << Qt::Key_Down
+                                  << Qt::KeyboardModifiers(Qt::AltModifier) << true;
+        QTest::newRow("Alt+Down on the button")
+            << "ButDropDown" << Qt::Key_Down << Qt::KeyboardModifiers(Qt::AltModifier) << true;
+        QTest::newRow("Alt+F4 is the window's")
+            << "Text" << Qt::Key_F4 << Qt::KeyboardModifiers(Qt::AltModifier) << false;
+        QTest::newRow("Down alone") << "Text" << Qt::Key_Down << none << false;
+    }
+    void openKeys()
+    {
+        QFETCH(QString, target);
+        QFETCH(Qt::Key, key);
+        QFETCH(Qt::KeyboardModifiers, modifiers);
+        QFETCH(bool, opens);
+
+        auto *before = new QLineEdit(m_host.get());
+        CheckCombo *combo = showCombo();
+        auto *after = new QLineEdit(m_host.get());
+        after->move(0, 100);
+        after->show();
+        auto *text = combo->findChild<QLineEdit *>(QStringLiteral("Text"));
+        before->setFocus();
+        QTest::keyClick(before, Qt::Key_Tab);
+        QCOMPARE(QApplication::focusWidget(), text);
+        QTest::keyClick(text, Qt::Key_Tab);
+        QCOMPARE(QApplication::focusWidget(), after);
+        QTest::keyClick(after, Qt::Key_Tab, Qt::ShiftModifier);
+        QCOMPARE(QApplication::focusWidget(), text);
+
+        QStringList order;
+        connect(combo, &CheckCombo::MouseDown, this, [&](qint16 &, qint16 &, float &, float &) {
+            order.append(QStringLiteral("MouseDown"));
+        });
+        connect(combo, &CheckCombo::Click, this, [&] { order.append(QStringLiteral("Click")); });
+        QTest::keyClick(combo->findChild<QWidget *>(target), key, modifiers);
+        QCOMPARE(combo->isDroppedDown(), opens);
+        QCOMPARE(combo->ListForm()->isVisible(), opens);
+        QCOMPARE(order, opens ? sl({"Click"}) : QStringList());
+        QCOMPARE(text->text(), QStringLiteral("All"));
+        if (opens) {
+            QVERIFY(QTest::qWaitForWindowActive(combo->ListForm()));
+            QTest::keyClick(combo->ListForm()->List(), Qt::Key_Escape);
+            QVERIFY(!combo->isDroppedDown());
+        }
+    }
+
     void loadArray_data()
     {
         QTest::addColumn<bool>("sorting");

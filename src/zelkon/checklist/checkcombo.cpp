@@ -12,6 +12,7 @@
 #include <zelkon/data/recordsetaccess.h>
 
 #include <QEvent>
+#include <QKeyEvent>
 #include <QLineEdit>
 #include <QMouseEvent>
 #include <QScreen>
@@ -40,6 +41,14 @@ QVariantList elementsOf(const QVariant &value)
         return array.dimensions() == 1 ? array.elements() : QVariantList();
     }
     return IsEmpty(value) ? QVariantList() : QVariantList{value};
+}
+
+// Alt+Down (with any other modifier) and a plain F4.
+bool isOpenKey(const QKeyEvent *event)
+{
+    const int code = keyCode(event);
+    const qint16 shift = shiftState(event->modifiers());
+    return (code == KeyDown && (shift & AltKey)) || (code == KeyF1 + 3 && shift == 0);
 }
 
 } // namespace
@@ -668,6 +677,14 @@ bool CheckCombo::eventFilter(QObject *watched, QEvent *event)
     case QEvent::FocusIn:
     case QEvent::WindowActivate:
         syncAccessibleNames();
+        break;
+    case QEvent::KeyPress:
+        // The keys that open a combo box's list open this one too. They are no mouse press, so
+        // only Click follows.
+        if (!m_listOpen && isOpenKey(static_cast<QKeyEvent *>(event))) {
+            openList();
+            return true;
+        }
         break;
     case QEvent::MouseButtonPress:
     case QEvent::MouseButtonDblClick: {
