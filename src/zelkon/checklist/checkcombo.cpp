@@ -16,6 +16,7 @@
 #include <QLineEdit>
 #include <QMouseEvent>
 #include <QScreen>
+#include <QStyle>
 #include <QTimer>
 #include <QToolButton>
 
@@ -91,7 +92,7 @@ CheckCombo::CheckCombo(QWidget *parent)
     m_listForm->SetInvert(m_inv);
 
     applyLook();
-    resize(120, m_text->sizeHint().height());
+    resize(sizeHint());
 }
 
 CheckCombo::~CheckCombo()
@@ -224,6 +225,7 @@ void CheckCombo::putFont(const QFont &font)
     if (font == m_text->font())
         return;
     m_text->setFont(font);
+    updateGeometry();
     layoutChildren();
     Q_EMIT PropertyChanged(QStringLiteral("Font"));
 }
@@ -337,10 +339,31 @@ void CheckCombo::resizeEvent(QResizeEvent *event)
     layoutChildren();
 }
 
+int CheckCombo::dropDownButtonWidth() const
+{
+    // The arrow is a symbol glyph as wide as the field's font is high, framed on either side as
+    // the style frames a button, so the button grows with the font and the screen's scale.
+    const int frame
+        = m_button->style()->pixelMetric(QStyle::PM_DefaultFrameWidth, nullptr, m_button);
+    return QFontMetrics(m_text->font()).height() + 2 * qMax(0, frame);
+}
+
+QSize CheckCombo::sizeHint() const
+{
+    const QSize text = m_text->sizeHint();
+    return QSize(text.width() + dropDownButtonWidth(), text.height());
+}
+
+QSize CheckCombo::minimumSizeHint() const
+{
+    const QSize text = m_text->minimumSizeHint();
+    return QSize(text.width() + dropDownButtonWidth(), text.height());
+}
+
 void CheckCombo::layoutChildren()
 {
     const QRect client = rect();
-    const int buttonWidth = QFontMetrics(m_text->font()).height() + 4;
+    const int buttonWidth = dropDownButtonWidth();
     m_button->setGeometry(client.right() + 1 - buttonWidth, client.top(), buttonWidth,
                           client.height());
     m_text->setGeometry(client.left(), client.top(), qMax(0, client.width() - buttonWidth),

@@ -143,6 +143,8 @@ Q_SIGNALS:
     void MouseDown(qint16 &Button, qint16 &Shift, float &X, float &Y);
 
 protected:
+    QSize sizeHint() const override;
+    QSize minimumSizeHint() const override;
     void resizeEvent(QResizeEvent *event) override;
     bool eventFilter(QObject *watched, QEvent *event) override;
 
@@ -153,6 +155,7 @@ private:
     void ListForm_Change(bool cancel);
     void ListForm_ChangeInv(bool inverted);
     void ListForm_UnloadMe();
+    int dropDownButtonWidth() const;
     void layoutChildren();
     void syncAccessibleNames();
     void applyLook();

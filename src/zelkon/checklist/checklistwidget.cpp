@@ -4,6 +4,8 @@
 
 #include <QScrollBar>
 #include <QSignalBlocker>
+#include <QStyle>
+#include <QStyleOptionViewItem>
 
 #include <algorithm>
 #include <string_view>
@@ -399,6 +401,22 @@ void CheckListWidget::setTopRow(int row)
     }
     if (QListWidgetItem *it = item(row))
         scrollToItem(it, QAbstractItemView::PositionAtTop);
+}
+
+int CheckListWidget::rowHeight() const
+{
+    if (count() > 0) {
+        const int height = sizeHintForRow(0);
+        if (height > 0)
+            return height;
+    }
+    // An empty list measures a check-box row of its own font the way its delegate would.
+    QStyleOptionViewItem option;
+    initViewItemOption(&option);
+    option.features |= QStyleOptionViewItem::HasCheckIndicator | QStyleOptionViewItem::HasDisplay;
+    option.checkState = Qt::Unchecked;
+    option.text = QStringLiteral("Xg");
+    return style()->sizeFromContents(QStyle::CT_ItemViewItem, &option, QSize(), this).height();
 }
 
 } // namespace zelkon

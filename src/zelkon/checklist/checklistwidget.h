@@ -52,6 +52,9 @@ public:
     // unchecked to checked, or -1.
     int setChecks(const std::function<bool(int row, bool checked)> &state);
 
+    // The height of one row as the style draws it, also while the list is empty.
+    int rowHeight() const;
+
     // The row shown at the top (the scroll position).
     int topRow() const;
     void setTopRow(int row);

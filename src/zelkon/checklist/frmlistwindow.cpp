@@ -18,14 +18,12 @@ namespace zelkon {
 int frmList::heightForRows(int rows) const
 {
     const CheckListWidget *l = List();
-    int rowHeight = l->count() > 0 ? l->sizeHintForRow(0) : -1;
-    if (rowHeight <= 0)
-        rowHeight = l->fontMetrics().lineSpacing() + 2;
-    return qMax(1, rows) * rowHeight + 2 * l->frameWidth();
+    return qMax(1, rows) * l->rowHeight() + 2 * l->frameWidth();
 }
 
 void frmList::popUp(const QRect &geometry, int firstDelay)
 {
+    // Placed and sized while still hidden, so its first frame is drawn where it belongs.
     setGeometry(geometry);
     show();
     raise();

@@ -40,7 +40,9 @@ frmShowHide::frmShowHide(QWidget *parent)
     auto *layout = new QVBoxLayout(this);
     layout->addWidget(m_hideBox);
     layout->addLayout(buttons);
-    resize(260, 320);
+    // Room for some twenty rows of about thirty characters, whatever the font and the scale.
+    const QFontMetrics metrics(font());
+    resize(metrics.averageCharWidth() * 32, metrics.lineSpacing() * 20);
 
     connect(m_btnYes, &QPushButton::clicked, this, [this] {
         m_confirmed = true;
