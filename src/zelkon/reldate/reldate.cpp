@@ -691,19 +691,16 @@ Control *RelDate::findPartner(const QString &name) const
         indexed = true;
         base = name.left(open);
     }
-    const QString wanted = base.toUpper();
     const QList<Control *> controls = Control::formControls(parentWidget());
     for (Control *control : controls) {
-        if (control->objectName().toUpper() != wanted
+        if (control->objectName().compare(base, Qt::CaseInsensitive) != 0
             || typeName(control) != QLatin1String("RelDate"))
             continue;
-        bool ok = false;
-        const int controlIndex = control->property("Index").toInt(&ok);
         // The first same-named control ends the walk when no index is asked for, even when it is
         // an array member and a later control would match.
         if (!indexed)
-            return !ok || controlIndex == -1 ? control : nullptr;
-        if (ok && controlIndex == index)
+            return control->Index() == -1 ? control : nullptr;
+        if (control->Index() == index)
             return control;
     }
     return nullptr;
