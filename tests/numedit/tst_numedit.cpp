@@ -1,12 +1,14 @@
-#include <zelkon/common/colors_p.h>
 #include <zelkon/common/memorypropertybag.h>
 #include <zelkon/common/registry.h>
-#include <zelkon/test/testplatform.h>
 #include <zelkon/numedit/numedit.h>
+#include <zelkon/test/testplatform.h>
 
 #include <QApplication>
+#include <QDialog>
 #include <QLineEdit>
+#include <QShortcut>
 #include <QSignalSpy>
+#include <QStyle>
 #include <QTest>
 #include <QTimer>
 
@@ -17,7 +19,23 @@ namespace {
 const QLocale english(QLocale::English, QLocale::UnitedStates);
 const QLocale german(QLocale::German, QLocale::Germany);
 
-// A NumEdit created by class name in a window, after a plain field that holds the focus first.
+// Key clicks in order: typed text and single keys.
+struct Keys
+{
+    Keys &type(const char *text)
+    {
+        events.addKeyClicks(QString::fromUtf8(text));
+        return *this;
+    }
+    Keys &key(Qt::Key key, Qt::KeyboardModifiers modifiers = Qt::NoModifier)
+    {
+        events.addKeyClick(key, modifiers);
+        return *this;
+    }
+    QTestEventList events;
+};
+
+// A NumEdit created by class name in a dialog, after a plain field that holds the focus first.
 struct Form
 {
     explicit Form(const QLocale &locale = english)
@@ -25,30 +43,28 @@ struct Form
     {
         other->setGeometry(10, 50, 150, 26);
         edit->setGeometry(10, 10, 150, 26);
-        window.resize(200, 100);
+        dialog.resize(200, 100);
     }
     bool show()
     {
-        window.show();
-        window.activateWindow();
-        return QTest::qWaitForWindowActive(&window) && other->hasFocus();
+        dialog.show();
+        dialog.activateWindow();
+        return QTest::qWaitForWindowActive(&dialog) && other->hasFocus();
     }
-    // Shown, the NumEdit focused and the keys typed into it.
-    bool enter(const QString &keys = {})
+    bool enter() // shown, and the NumEdit focused
     {
         if (!show())
             return false;
         edit->setFocus(Qt::TabFocusReason);
-        QTest::keyClicks(text1, keys);
         return text1->hasFocus();
     }
     void focusOther() { other->setFocus(Qt::TabFocusReason); }
     QColor textColor() const { return text1->palette().color(QPalette::Text); }
 
     TestPlatform platform;
-    QWidget window;
-    QLineEdit *other = new QLineEdit(&window);
-    NumEdit *edit = qobject_cast<NumEdit *>(createControl(QStringLiteral("NumEdit"), &window));
+    QDialog dialog;
+    QLineEdit *other = new QLineEdit(&dialog);
+    NumEdit *edit = qobject_cast<NumEdit *>(createControl(QStringLiteral("NumEdit"), &dialog));
     QLineEdit *text1 = edit->findChild<QLineEdit *>(QStringLiteral("Text1"));
     QTimer *tmFocus = edit->findChild<QTimer *>(QStringLiteral("tmFocus"));
 };
@@ -62,7 +78,9 @@ class tst_NumEdit : public QObject
 private Q_SLOTS:
     void typing_data();
     void typing();
-    void escapeAndEnter();
+    void multipliersByKeyPlace_data();
+    void multipliersByKeyPlace();
+    void escapeInDialogAndEnter();
     void arrowKeys_data();
     void arrowKeys();
     void display_data();
@@ -72,66 +90,65 @@ private Q_SLOTS:
     void limitsOnFocusLoss_data();
     void limitsOnFocusLoss();
     void assigningValueAndLimits();
+    void everyPutNotifies_data();
+    void everyPutNotifies();
     void lockedFieldIgnoresKeysAndFocus();
     void timerFollowsRealFocus();
-    void saveAndRestore();
-    void layoutAndMouse();
+    void placeSaveAndRestore();
+    void frameMouseAndSize();
 };
 
 void tst_NumEdit::typing_data()
 {
     QTest::addColumn<QLocale>("locale");
-    QTest::addColumn<QString>("keys"); // "<" is the Left arrow, "#" the keypad's decimal key
+    QTest::addColumn<QTestEventList>("keys");
     QTest::addColumn<QString>("text");
     QTest::addColumn<double>("value");
     QTest::addColumn<int>("changes");
     QTest::addColumn<int>("caret"); // -1: not checked
-    auto row = [](const char *tag, const QLocale &locale, const char *keys, const char *text,
+    auto row = [](const char *tag, const QLocale &locale, const Keys &keys, const char *text,
                   double value, int changes, int caret = -1) {
-        QTest::newRow(tag) << locale << QString::fromLatin1(keys) << QString::fromLatin1(text)
-                           << value << changes << caret;
+        QTest::newRow(tag) << locale << keys.events << QString::fromLatin1(text) << value << changes
+                           << caret;
     };
-    row("digits", english, "125", "125", 125, 3);
-    row("en point", english, "12.5", "12.5", 12.5, 4);
-    row("en comma becomes point", english, "12,5", "12.5", 12.5, 4);
-    row("de point becomes comma", german, "12.5", "12,5", 12.5, 4);
-    row("de comma", german, "12,5", "12,5", 12.5, 4);
-    row("lone minus", english, "-", "-", 0, 1);
-    row("minus then digit", english, "-5", "-5", -5, 2);
-    row("plus separator", english, "+.", "+.", 0, 2);
-    row("de minus separator", german, "-,", "-,", 0, 2);
-    row("letters and space dropped", english, "1a 2", "12", 12, 2);
+    const auto typed = [](const char *text) { return Keys().type(text); };
+    row("digits", english, typed("125"), "125", 125, 3);
+    row("en point", english, typed("12.5"), "12.5", 12.5, 4);
+    row("en comma becomes point", english, typed("12,5"), "12.5", 12.5, 4);
+    row("de point becomes comma", german, typed("12.5"), "12,5", 12.5, 4);
+    row("de comma", german, typed("12,5"), "12,5", 12.5, 4);
+    row("lone minus", english, typed("-"), "-", 0, 1);
+    row("minus then digit", english, typed("-5"), "-5", -5, 2);
+    row("plus separator", english, typed("+."), "+.", 0, 2);
+    row("de minus separator", german, typed("-,"), "-,", 0, 2);
+    row("letters and space dropped", english, typed("1a 2"), "12", 12, 2);
     // The rejected text is rewritten from Value, the rewrite notifies a second time and the caret
     // goes back to where the refused key was typed.
-    row("second separator", english, "1.2.", "1.2", 1.2, 5, 3);
-    row("sign after digits", english, "5-", "5", 5, 3, 1);
-    row("sign inside", english, "123<<-", "123", 123, 5, 1);
-    row("separator at start", english, "1.5<<<.", "1.5", 1.5, 5, 0);
+    row("second separator", english, typed("1.2."), "1.2", 1.2, 5, 3);
+    row("sign after digits", english, typed("5-"), "5", 5, 3, 1);
+    const Qt::Key left = Qt::Key_Left;
+    row("sign inside", english, typed("123").key(left).key(left).type("-"), "123", 123, 5, 1);
+    row("separator at start", english, typed("1.5").key(left).key(left).key(left).type("."), "1.5",
+        1.5, 5, 0);
     // A refused separator from the keypad is typed once more and refused once more.
-    row("keypad after refusal", english, "1.5#", "1.5", 1.5, 7);
-    row("de keypad accepted", german, "1#", "1,", 1, 2);
-    row("thousands", english, "12t", "12000", 12000, 3);
-    row("millions", english, "2M", "2000000", 2e6, 2);
-    row("thousand millions", german, "1,5y", "1500000000", 1.5e9, 4);
-    row("de fraction multiplied", german, "0,5t", "500", 500, 4);
+    const Qt::KeyboardModifiers keypad = Qt::KeypadModifier;
+    row("keypad after refusal", english, typed("1.5").key(Qt::Key_Period, keypad), "1.5", 1.5, 7);
+    row("de keypad accepted", german, typed("1").key(Qt::Key_Period, keypad), "1,", 1, 2);
+    row("thousands", english, typed("12t"), "12000", 12000, 3);
+    row("millions", english, typed("2M"), "2000000", 2e6, 2);
+    row("thousand millions", german, typed("1,5y"), "1500000000", 1.5e9, 4);
+    row("de fraction multiplied", german, typed("0,5t"), "500", 500, 4);
 }
 
 void tst_NumEdit::typing()
 {
     QFETCH(QLocale, locale);
-    QFETCH(QString, keys);
+    QFETCH(QTestEventList, keys);
     QFETCH(int, caret);
     Form form(locale);
     QVERIFY(form.enter());
     QSignalSpy changes(form.edit, &NumEdit::ChangeValue);
-    for (QChar key : keys) {
-        if (key == QLatin1Char('<'))
-            QTest::keyClick(form.text1, Qt::Key_Left);
-        else if (key == QLatin1Char('#'))
-            QTest::keyClick(form.text1, Qt::Key_Period, Qt::KeypadModifier);
-        else
-            QTest::keyClicks(form.text1, key);
-    }
+    keys.simulate(form.text1);
     QTEST(form.text1->text(), "text");
     QTEST(form.edit->Value(), "value");
     QTEST(int(changes.count()), "changes");
@@ -139,19 +156,66 @@ void tst_NumEdit::typing()
     QCOMPARE(form.platform.beeps(), 0);
 }
 
-void tst_NumEdit::escapeAndEnter()
+void tst_NumEdit::multipliersByKeyPlace_data()
 {
+    // A Russian layout: the keys in the places of T, M, Y and A type е, ь, н and ф.
+    QTest::addColumn<QChar>("letter");
+    QTest::addColumn<char>("place");
+    QTest::addColumn<QString>("text");
+    QTest::newRow("T") << QChar(0x0435) << 'T' << "12000";
+    QTest::newRow("M") << QChar(0x044C) << 'M' << "12000000";
+    QTest::newRow("Y") << QChar(0x043D) << 'Y' << "12000000000";
+    QTest::newRow("other letter") << QChar(0x0444) << 'A' << "12";
+}
+
+void tst_NumEdit::multipliersByKeyPlace()
+{
+    QFETCH(QChar, letter);
+    QFETCH(char, place);
+    // The native codes of the key's place as the platform reports them: the scan code (X11 and
+    // Wayland add 8 to it), and on Windows and macOS the virtual key.
+    const QHash<char, quint32> scanCodes{{'T', 20}, {'M', 50}, {'Y', 21}, {'A', 30}};
+#if defined(Q_OS_WIN)
+    const quint32 scanCode = scanCodes.value(place), virtualKey = quint32(place);
+#elif defined(Q_OS_MACOS)
+    const QHash<char, quint32> macKeys{{'T', 0x11}, {'M', 0x2E}, {'Y', 0x10}, {'A', 0x00}};
+    const quint32 scanCode = 1, virtualKey = macKeys.value(place);
+#else
+    const quint32 scanCode = scanCodes.value(place) + 8, virtualKey = 0;
+#endif
+    Form form;
+    QVERIFY(form.enter());
+    QTest::keyClicks(form.text1, QStringLiteral("12"));
+    QSignalSpy changes(form.edit, &NumEdit::ChangeValue);
+    for (QEvent::Type type : {QEvent::KeyPress, QEvent::KeyRelease}) {
+        QKeyEvent event(type, letter.toUpper().unicode(), Qt::NoModifier, scanCode, virtualKey, 0,
+                        QString(letter));
+        QApplication::sendEvent(form.text1, &event);
+    }
+    QFETCH(QString, text);
+    QCOMPARE(form.text1->text(), text);
+    QCOMPARE(changes.count(), text == QLatin1String("12") ? 0 : 1);
+}
+
+void tst_NumEdit::escapeInDialogAndEnter()
+{
+    // Given a field entered with 7 and edited to 123, in a dialog that also cancels on Escape
     Form form;
     form.edit->setValue(7);
+    QShortcut cancel(Qt::Key_Escape, &form.dialog);
+    QSignalSpy cancelled(&cancel, &QShortcut::activated);
     QVERIFY(form.enter());
     QCOMPARE(form.text1->selectedText(), QStringLiteral("7"));
     QTest::keyClicks(form.text1, QStringLiteral("123"));
-    QCOMPARE(form.edit->Value(), 123.0);
     QSignalSpy changes(form.edit, &NumEdit::ChangeValue);
-    QTest::keyClick(form.text1, Qt::Key_Escape); // back to the value the field was entered with
+    // When Escape is pressed
+    QTest::keyClick(form.text1, Qt::Key_Escape);
+    // Then the value is restored, and the dialog neither closes nor sees its shortcut
     QCOMPARE(form.edit->Value(), 7.0);
     QCOMPARE(form.text1->text(), QStringLiteral("7"));
     QCOMPARE(changes.count(), 1);
+    QVERIFY(form.dialog.isVisible());
+    QCOMPARE(cancelled.count(), 0);
 
     form.text1->selectAll();
     QTest::keyClicks(form.text1, QStringLiteral("1234.5"));
@@ -160,7 +224,7 @@ void tst_NumEdit::escapeAndEnter()
     QCOMPARE(form.platform.sentKeys(), QStringList{QStringLiteral("{TAB}")});
     QVERIFY(form.other->hasFocus());
     QCOMPARE(lost.count(), 1);
-    QCOMPARE(form.text1->text(), QStringLiteral("1,234.50"));
+    QCOMPARE(form.text1->text(), QStringLiteral("1,235"));
 }
 
 void tst_NumEdit::arrowKeys_data()
@@ -184,9 +248,10 @@ void tst_NumEdit::arrowKeys()
 {
     QFETCH(int, key);
     QFETCH(int, raised);
-    Form form;
     QFETCH(int, caret);
-    QVERIFY(form.enter(QStringLiteral("123")));
+    Form form;
+    QVERIFY(form.enter());
+    QTest::keyClicks(form.text1, QStringLiteral("123"));
     form.text1->setCursorPosition(caret);
     QSignalSpy arrows(form.edit, &NumEdit::ArrowKeyUp);
     QTest::keyClick(form.text1, Qt::Key(key));
@@ -218,10 +283,10 @@ void tst_NumEdit::display()
 {
     QFETCH(QLocale, locale);
     QFETCH(int, digits);
+    QFETCH(double, value);
     Form form(locale);
     QSignalSpy changes(form.edit, &NumEdit::ChangeValue);
     QVERIFY(form.edit->setProperty("DigNum", QVariant::fromValue(qint16(digits))));
-    QFETCH(double, value);
     QVERIFY(form.edit->setProperty("Value", value));
     QTEST(form.text1->text(), "text");
     QCOMPARE(form.edit->DigNum(), qint16(qMax(digits, 0)));
@@ -231,8 +296,8 @@ void tst_NumEdit::display()
 void tst_NumEdit::editingShowsPlainNumber()
 {
     Form form(german);
+    form.edit->setDigNum(2);
     form.edit->setValue(1234.5);
-    QCOMPARE(form.text1->text(), QStringLiteral("1.234,50"));
     QSignalSpy got(form.edit, &NumEdit::GotFocusEvent);
     QSignalSpy lost(form.edit, &NumEdit::LostFocusEvent);
     QVERIFY(form.enter());
@@ -255,7 +320,6 @@ void tst_NumEdit::colours()
     Form form;
     QVERIFY(form.show());
     const QColor plain = form.textColor();
-    QCOMPARE(plain, toQColor(SystemWindowText, QApplication::palette(form.text1)));
     form.edit->setNegTextColor(0x0000ff); // red, not in use yet
     QCOMPARE(form.textColor(), plain);
     form.edit->setFocus(Qt::TabFocusReason);
@@ -287,6 +351,7 @@ void tst_NumEdit::limitsOnFocusLoss_data()
     QTest::newRow("below") << -5.0 << 0.0 << "-9" << 1 << -5.0 << 1;
     QTest::newRow("contradictory, high") << 10.0 << 0.0 << "50" << 0 << 0.0 << 1;
     QTest::newRow("contradictory, low") << 10.0 << 0.0 << "5" << 0 << 0.0 << 2;
+    QTest::newRow("single value") << 5.0 << 5.0 << "7" << 0 << 5.0 << 1;
 }
 
 void tst_NumEdit::limitsOnFocusLoss()
@@ -315,8 +380,8 @@ void tst_NumEdit::limitsOnFocusLoss()
 void tst_NumEdit::assigningValueAndLimits()
 {
     Form form;
+    form.edit->setDigNum(2);
     QVERIFY(form.show());
-    QSignalSpy changed(form.edit, &Control::PropertyChanged);
     QSignalSpy changes(form.edit, &NumEdit::ChangeValue);
     form.edit->setMinValue(10); // a contradictory range: two corrections, a beep each
     QCOMPARE(form.platform.beeps(), 2);
@@ -336,9 +401,27 @@ void tst_NumEdit::assigningValueAndLimits()
     form.edit->setValue(-3);
     QCOMPARE(form.text1->text(), QStringLiteral("10"));
     QCOMPARE(changes.count(), 1);
-    QVERIFY(changed.contains(QVariantList{QStringLiteral("MinValue")}));
-    QVERIFY(changed.contains(QVariantList{QStringLiteral("MaxValue")}));
-    QCOMPARE(changed.last(), QVariantList{QStringLiteral("Value")});
+}
+
+void tst_NumEdit::everyPutNotifies_data()
+{
+    QTest::addColumn<QByteArray>("name");
+    for (const char *name : {"TagVariant", "Value", "TextColor", "NegTextColor", "DigNum",
+                             "BackTextColor", "LockEdits", "FontName", "FontSize", "Border",
+                             "Appearance", "MinValue", "MaxValue", "Enabled"})
+        QTest::newRow(name) << QByteArray(name);
+}
+
+void tst_NumEdit::everyPutNotifies()
+{
+    // Given a field, when a property is put with the value it already has, then the container
+    // still hears of it under the property's name.
+    QFETCH(QByteArray, name);
+    Form form;
+    const QVariant current = form.edit->property(name);
+    QSignalSpy changed(form.edit, &Control::PropertyChanged);
+    QVERIFY(form.edit->setProperty(name, current));
+    QCOMPARE(changed, QList<QVariantList>{{QString::fromLatin1(name)}});
 }
 
 void tst_NumEdit::lockedFieldIgnoresKeysAndFocus()
@@ -350,10 +433,8 @@ void tst_NumEdit::lockedFieldIgnoresKeysAndFocus()
     QSignalSpy changes(form.edit, &NumEdit::ChangeValue);
     QSignalSpy arrows(form.edit, &NumEdit::ArrowKeyUp);
     QVERIFY(form.enter());
-    QVERIFY(form.text1->hasFocus());
-    for (Qt::Key key : {Qt::Key_T, Qt::Key_Up, Qt::Key_Return})
-        QTest::keyClick(form.text1, key);
-    QCOMPARE(form.text1->text(), QStringLiteral("12.00"));
+    Keys().key(Qt::Key_T).key(Qt::Key_Up).key(Qt::Key_Return).events.simulate(form.text1);
+    QCOMPARE(form.text1->text(), QStringLiteral("12"));
     QCOMPARE(form.edit->Value(), 12.0);
     QCOMPARE(got.count() + changes.count() + arrows.count(), 0);
     QVERIFY(form.platform.sentKeys().isEmpty());
@@ -376,7 +457,6 @@ void tst_NumEdit::timerFollowsRealFocus()
     Form form;
     QVERIFY(form.show());
     QVERIFY(!form.tmFocus->isActive());
-    QCOMPARE(form.tmFocus->interval(), 5);
     form.edit->setFocus(Qt::TabFocusReason);
     QVERIFY(form.tmFocus->isActive());
 
@@ -384,28 +464,37 @@ void tst_NumEdit::timerFollowsRealFocus()
     form.text1->installEventFilter(&eater);
     QSignalSpy got(form.edit, &NumEdit::GotFocusEvent);
     QSignalSpy lost(form.edit, &NumEdit::LostFocusEvent);
-    form.edit->setValue(5);
+    form.edit->setValue(5.5);
     form.focusOther();
     QTRY_COMPARE(lost.count(), 1);
-    QCOMPARE(form.text1->text(), QStringLiteral("5.00"));
+    QCOMPARE(form.text1->text(), QStringLiteral("6"));
     QVERIFY(form.tmFocus->isActive()); // kept running after the focus loss
     form.edit->setFocus(Qt::TabFocusReason);
     QTRY_COMPARE(got.count(), 1);
-    QCOMPARE(form.text1->text(), QStringLiteral("5"));
+    QCOMPARE(form.text1->text(), QStringLiteral("5.5"));
     form.text1->removeEventFilter(&eater);
     form.edit->hide();
     QVERIFY(!form.tmFocus->isActive());
 }
 
-void tst_NumEdit::saveAndRestore()
+void tst_NumEdit::placeSaveAndRestore()
 {
     TestPlatform platform(QDate(2024, 5, 10), german);
-    NumEdit fresh;
-    QCOMPARE(fresh.findChild<QLineEdit *>(QStringLiteral("Text1"))->text(), QStringLiteral("0,00"));
-    QVERIFY(fresh.DigNum() == 2 && fresh.TextColor() == 0x80000008u
-            && fresh.BackTextColor() == 0x80000005u && fresh.property("Enabled").toBool());
+    const auto text1 = [](NumEdit &edit) {
+        return edit.findChild<QLineEdit *>(QStringLiteral("Text1"))->text();
+    };
+    // A newly placed field shows no decimals; a saved form without the key gets two.
+    NumEdit placed;
+    placed.InitProperties();
+    QCOMPARE(text1(placed), QStringLiteral("0"));
+    MemoryPropertyBag placedBag;
+    placed.WriteProperties(placedBag);
+    QCOMPARE(placedBag.keys(), QStringList{QStringLiteral("DigNum")});
+    NumEdit opened;
     MemoryPropertyBag empty;
-    fresh.WriteProperties(empty);
+    opened.ReadProperties(empty);
+    QCOMPARE(text1(opened), QStringLiteral("0,00"));
+    opened.WriteProperties(empty);
     QCOMPARE(empty.keys(), QStringList());
 
     NumEdit source;
@@ -436,11 +525,10 @@ void tst_NumEdit::saveAndRestore()
         QVERIFY2(target.property(qPrintable(name)) == source.property(qPrintable(name)),
                  qPrintable(name));
     QCOMPARE(target.size(), QSize(90, 25));
-    QCOMPARE(target.findChild<QLineEdit *>(QStringLiteral("Text1"))->text(),
-             QStringLiteral("1.234,500"));
+    QCOMPARE(text1(target), QStringLiteral("1.234,500"));
 
     // A range saved with a value inside it loads without clamping against a half-read range;
-    // a bad entry is skipped.
+    // a bad entry is skipped, leaving the digits the field was created with.
     MemoryPropertyBag ranged;
     ranged.insert(QStringLiteral("Value"), 50.0);
     ranged.insert(QStringLiteral("MinValue"), 10.0);
@@ -449,20 +537,26 @@ void tst_NumEdit::saveAndRestore()
     NumEdit loaded;
     loaded.ReadProperties(ranged);
     QCOMPARE(loaded.Value(), 50.0);
-    QCOMPARE(loaded.DigNum(), qint16(2));
+    QCOMPARE(loaded.DigNum(), qint16(0));
     QCOMPARE(platform.beeps(), 0);
 }
 
-void tst_NumEdit::layoutAndMouse()
+void tst_NumEdit::frameMouseAndSize()
 {
     Form form;
     QVERIFY(form.show());
-    form.edit->resize(120, 30);
-    QCOMPARE(form.text1->geometry(), QRect(2, 2, 116, 24));
-    form.edit->setAppearance(0);
-    QCOMPARE(form.text1->geometry(), QRect(1, 1, 118, 26));
-    form.edit->setBorder(0);
-    QCOMPARE(form.text1->geometry(), QRect(0, 0, 120, 28));
+    // The text box fills the frame's inside but for two pixels at the bottom; the frame is the
+    // style's sunken one, a flat line, or none.
+    const int sunken = form.edit->style()->pixelMetric(QStyle::PM_DefaultFrameWidth);
+    for (const auto &[border, appearance, margin] :
+         {std::tuple(1, 1, sunken), {1, 0, 1}, {0, 1, 0}}) {
+        form.edit->setProperty("Border", border);
+        form.edit->setProperty("Appearance", appearance);
+        const QRect inside = form.edit->contentsRect();
+        QCOMPARE(inside,
+                 form.edit->rect().marginsRemoved(QMargins(margin, margin, margin, margin)));
+        QCOMPARE(form.text1->geometry(), inside.adjusted(0, 0, 0, -2));
+    }
 
     QSignalSpy down(form.edit, &NumEdit::MouseDown);
     QSignalSpy up(form.edit, &NumEdit::MouseUp);
@@ -471,6 +565,15 @@ void tst_NumEdit::layoutAndMouse()
     QCOMPARE(down,
              (QList<QVariantList>{{QVariant::fromValue(qint16(1)), QVariant::fromValue(qint16(1)),
                                    QVariant::fromValue(7.0f), QVariant::fromValue(5.0f)}}));
+
+    // Enabled is the text box's: the control keeps its frame and its place in the tab order.
+    form.edit->setProperty("Enabled", false);
+    QVERIFY(!form.text1->isEnabled() && form.edit->isEnabled());
+    QCOMPARE(form.edit->property("Enabled"), QVariant(false));
+
+    // One line high, as a line edit is, so that it lines up in a form layout.
+    QCOMPARE(form.edit->sizeHint().height(), form.other->sizeHint().height());
+    QCOMPARE(form.edit->minimumSizeHint().height(), form.other->sizeHint().height());
 }
 
 QTEST_MAIN(tst_NumEdit)

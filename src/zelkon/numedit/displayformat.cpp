@@ -1,4 +1,4 @@
-#include <zelkon/numedit/displayformat.h>
+#include <zelkon/numedit/displayformat_p.h>
 
 namespace zelkon {
 

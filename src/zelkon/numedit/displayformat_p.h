@@ -2,7 +2,6 @@
 // while it is not being edited.
 #pragma once
 
-#include <zelkon/common/global.h>
 #include <zelkon/common/numberpattern.h>
 
 #include <QLocale>
@@ -10,7 +9,7 @@
 
 namespace zelkon {
 
-class ZELKON_EXPORT DisplayFormat
+class DisplayFormat
 {
 public:
     explicit DisplayFormat(qint16 digits = 0) { setDigits(digits); }
