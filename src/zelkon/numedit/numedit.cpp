@@ -34,9 +34,19 @@ QLocale numberLocale()
     return Platform::current().numberLocale();
 }
 
-bool isMultiplier(int code)
+// The factor of a multiplier key (T a thousand, M a million, Y a thousand million), else 0.
+double multiplier(int code)
 {
-    return code == KeyA + ('T' - 'A') || code == KeyA + ('M' - 'A') || code == KeyA + ('Y' - 'A');
+    switch (code) {
+    case KeyA + ('T' - 'A'):
+        return 1e3;
+    case KeyA + ('M' - 'A'):
+        return 1e6;
+    case KeyA + ('Y' - 'A'):
+        return 1e9;
+    default:
+        return 0;
+    }
 }
 
 } // namespace
@@ -66,7 +76,6 @@ public:
     void writeText(const QString &newText); // with the suppress-change flag set
     void applyTextColor(quint32 color) { applyOleColor(text, QPalette::Text, color); }
     void applySignColor() { applyTextColor(value >= 0 ? textColor : negTextColor); }
-    void setFontPart(const std::function<void(QFont &)> &change);
     void updateFrame();
     void relayout();
 
@@ -207,9 +216,9 @@ bool NumEditPrivate::keyDown(QKeyEvent *event)
     default:
         break;
     }
-    if (!isMultiplier(code))
+    const double factor = multiplier(code);
+    if (factor == 0)
         return false;
-    const double factor = code == KeyA + ('T' - 'A') ? 1e3 : code == KeyA + ('M' - 'A') ? 1e6 : 1e9;
     // No range check here: the limits apply when the field loses the focus. A product beyond the
     // double range is refused and the value stays.
     if (const double product = value * factor; std::isfinite(product))
@@ -305,15 +314,6 @@ void NumEditPrivate::writeText(const QString &newText)
     suppressChange = true;
     text->setText(newText);
     suppressChange = suppressed;
-}
-
-void NumEditPrivate::setFontPart(const std::function<void(QFont &)> &change)
-{
-    QFont f = q->font();
-    change(f);
-    q->setFont(f);
-    text->setFont(f);
-    relayout();
 }
 
 void NumEditPrivate::updateFrame()
@@ -561,8 +561,11 @@ QString NumEdit::FontName() const
 
 void NumEdit::setFontName(const QString &name)
 {
-    if (!name.isEmpty())
-        d->setFontPart([&](QFont &f) { f.setFamily(name); });
+    if (!name.isEmpty()) {
+        QFont f = font();
+        f.setFamily(name);
+        setFont(f); // the text box follows, and the font change lays the control out again
+    }
     notifyPut(QStringLiteral("FontName"));
 }
 
@@ -574,8 +577,11 @@ qint16 NumEdit::FontSize() const
 
 void NumEdit::setFontSize(qint16 points)
 {
-    if (points > 0)
-        d->setFontPart([&](QFont &f) { f.setPointSize(points); });
+    if (points > 0) {
+        QFont f = font();
+        f.setPointSize(points);
+        setFont(f);
+    }
     notifyPut(QStringLiteral("FontSize"));
 }
 
@@ -675,17 +681,13 @@ bool NumEdit::eventFilter(QObject *watched, QEvent *event)
     if (watched != d->text || d->retyping)
         return Control::eventFilter(watched, event);
     switch (event->type()) {
-    case QEvent::ShortcutOverride: {
-        // The field's own keys come before the window's shortcuts: Escape undoes the edit here
-        // rather than closing a dialog, and a multiplier letter multiplies.
-        auto *key = static_cast<QKeyEvent *>(event);
-        const int code = keyCode(key);
-        if (!d->locked() && (code == KeyEscape || isMultiplier(code))) {
+    case QEvent::ShortcutOverride:
+        // Escape undoes the edit here, before a window's shortcut (a dialog's Cancel) takes it.
+        if (!d->locked() && keyCode(static_cast<QKeyEvent *>(event)) == KeyEscape) {
             event->accept();
             return true;
         }
         break;
-    }
     case QEvent::KeyPress: {
         auto *key = static_cast<QKeyEvent *>(event);
         return d->keyDown(key) || d->keyPress(key);
