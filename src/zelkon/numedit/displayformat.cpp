@@ -23,9 +23,4 @@ void DisplayFormat::setDigits(qint16 digits)
     m_pattern = NumberPattern(pattern(digits));
 }
 
-QString DisplayFormat::format(double value, const QLocale &locale) const
-{
-    return m_pattern.format(value, locale);
-}
-
 } // namespace zelkon
