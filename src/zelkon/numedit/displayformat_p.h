@@ -2,7 +2,7 @@
 // while it is not being edited.
 #pragma once
 
-#include <zelkon/common/numberpattern.h>
+#include <zelkon/common/numberpattern_p.h>
 
 #include <QLocale>
 #include <QString>
