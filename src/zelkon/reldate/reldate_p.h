@@ -1,0 +1,112 @@
+// zelkon::RelDatePrivate: the state of a RelDate and its handlers, shared by the files of the
+// control (the properties, the user's gestures, the partners on the form, layout and persistence).
+#pragma once
+
+#include <zelkon/reldate/relativedate.h>
+#include <zelkon/reldate/reldate.h>
+
+#include <QEvent>
+#include <QObject>
+#include <QPointF>
+
+class QAction;
+class QCheckBox;
+class QLineEdit;
+class QMenu;
+class QMouseEvent;
+class QKeyEvent;
+
+namespace zelkon {
+
+class DatePicker;
+class UpDown;
+
+class RelDatePrivate : public QObject
+{
+public:
+    explicit RelDatePrivate(RelDate *control);
+
+    static QDate today();
+
+    // The value: the model's rules, and the widgets brought to show it.
+    void switchMode(bool relative);
+    void putDate(const QVariant &value);
+    void putDayCount(qint32 days);
+
+    // The user's gestures.
+    void chRelClicked();
+    void menuRelChosen();
+    void menuCurrentDateChosen();
+    void menuDateAllChosen();
+    void dateLongChanged();
+    void dateLongUDChanged();
+    void dateViewChanged();
+    void dateViewAdopted();
+    void dateViewLeftAll();
+    void popUpMenu(const QPoint &globalPos, bool changeAfter);
+    bool mouseEvent(QWidget *child, QWidget *watched, QMouseEvent *event);
+    bool keyPressed(QKeyEvent *event);
+    bool eventFilter(QObject *watched, QEvent *event) override;
+    QWidget *namedChildOf(QObject *watched) const;
+    void watchChild(QWidget *child);
+
+    // Partners on the same form.
+    Control *findPartner(const QString &name) const;
+    QString livePartnerName(QString &field, const QString &property);
+    void putPartnerName(QString &field, const QString &name, const QString &property);
+    void synchronizeValue();
+    void propagateMode();
+
+    // The view.
+    void showMode();
+    void showCheckBox();
+    void setDateLongText(const QString &text);
+    void showDaysOf(const QDateTime &date);
+    void refreshView();
+    void layoutWidgets();
+    void updateAccessibleNames();
+    int frameWidth() const;
+    int checkBoxSlotWidth() const;
+    // The surface's enabled state, copied to the parts.
+    void applyEnabled(bool enabled);
+
+    // Persistence.
+    void readProperties(PropertyBag &bag);
+    void writeProperties(PropertyBag &bag);
+
+    RelDate *q;
+    QWidget *surface;
+    DatePicker *dateView;
+    QLineEdit *dateLong;
+    UpDown *dateLongUD;
+    QCheckBox *chRel;
+    QMenu *popUpDate;
+    QAction *currentDate[2];
+    QAction *dateAll;
+    QAction *mnuRel;
+
+    // A newly placed control starts with every field zeroed; the defaults of the property table
+    // are those of saving and loading only.
+    RelativeDate model;
+    qint32 checkBoxState = rbsNotVisible;
+    bool menuStateVisible = false;
+    QString customFormat;
+    qint32 globalSynchro = srdNotSynchro;
+    QString topControl;
+    QString bootControl;
+    bool synchValue = false;
+    qint32 appearance = 1;
+    qint32 border = 1;
+
+    bool loading = false;
+    bool dateLongGuard = false;
+    bool dateLongUDGuard = false;
+    bool synchronizing = false;
+    bool changeAfterMenu = false;
+    // The last mouse event reported, to report an event once when it travels on to a parent.
+    QEvent::Type lastMouseType = QEvent::None;
+    quint64 lastMouseTime = 0;
+    QPointF lastMousePos;
+};
+
+} // namespace zelkon
