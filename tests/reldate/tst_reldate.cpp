@@ -1,7 +1,6 @@
 #include <zelkon/common/datepicker.h>
 #include <zelkon/common/memorypropertybag.h>
 #include <zelkon/common/registry.h>
-#include <zelkon/common/strings.h>
 #include <zelkon/common/testplatform.h>
 #include <zelkon/common/updown.h>
 #include <zelkon/reldate/reldate.h>
@@ -9,11 +8,13 @@
 #include <QAction>
 #include <QCheckBox>
 #include <QDateTimeEdit>
+#include <QFormLayout>
 #include <QLineEdit>
 #include <QMenu>
 #include <QSignalSpy>
 #include <QStyle>
 #include <QTest>
+#include <QTestEventList>
 
 using namespace zelkon;
 
@@ -73,11 +74,12 @@ class tst_RelDate : public QObject
 private Q_SLOTS:
     void init();
     void newControl();
-    void model_data();
-    void model();
-    void clampingAndAll();
+    void valueShown_data();
+    void valueShown();
     void gestures_data();
     void gestures();
+    void menu_data();
+    void menu();
     void mouseEvents();
     void persistence();
     void partnerNames_data();
@@ -88,7 +90,7 @@ private Q_SLOTS:
     void modePropagation();
     void layout_data();
     void layout();
-    void accessibleNames_data();
+    void formLayout();
     void accessibleNames();
 
 private:
@@ -103,22 +105,21 @@ void tst_RelDate::init()
 
 void tst_RelDate::newControl()
 {
+    // Given a newly placed control, which starts zeroed (the defaults are those of saving)
     Form form;
     RelDate *r = form.add("D", -1, false);
     r->InitProperties();
-    QVERIFY(!r->Relative() && !r->AllowAll() && !r->SynchValue() && !r->MenuStateVisible());
-    QVERIFY(!r->RetDate().isValid());
-    QCOMPARE(r->GlobalSynchro(), 0);
-    QCOMPARE(r->CustomFormat(), QString());
+    QVERIFY(!r->Relative() && !r->AllowAll() && !r->RetDate().isValid());
     QVERIFY(child(r, "DateView")->isVisibleTo(r) && !child(r, "DateLong")->isVisibleTo(r));
-    QVERIFY(!child<QAction>(r, "mnuRel")->isVisible());
     QSignalSpy change(r, &RelDate::Change);
     QSignalSpy changed(r, &Control::PropertyChanged);
-    r->setProperty("RetDate", All); // refused without a word
+    // When All is put without AllowAll, then it is refused without a word
+    r->setProperty("RetDate", All);
     QVERIFY(!r->RetDate().isValid());
-    QCOMPARE(change.size() + changed.size(), 0);
+    QCOMPARE(change.size(), 0);
+    QCOMPARE(changed.size(), 0);
 
-    // Enabled by name reaches the children and leaves QWidget::setEnabled alone.
+    // Enabled by name reaches the parts and leaves QWidget::setEnabled alone.
     QVERIFY(r->setProperty("Enabled", false));
     QVERIFY(!r->isEnabled() && !child(r, "DateLong")->isEnabled());
     QCOMPARE(r->property("Enabled").toBool(), false);
@@ -126,201 +127,151 @@ void tst_RelDate::newControl()
     QVERIFY(child(r, "DateView")->isEnabled());
 }
 
-void tst_RelDate::model_data()
+void tst_RelDate::valueShown_data()
 {
     QTest::addColumn<bool>("relative");
-    QTest::addColumn<QVariant>("assigned"); // a day count (RetNum) or a date (RetDate)
+    QTest::addColumn<QString>("property");
+    QTest::addColumn<QVariant>("value");
     QTest::addColumn<QVariant>("date");
-    QTest::addColumn<int>("days");
-    QTest::addColumn<QVariant>("dateNextDay"); // after today moved on by a day
-    QTest::addColumn<int>("daysNextDay");
-    auto row = [](const char *tag, bool relative, const QVariant &assigned, const QVariant &date,
-                  int days, const QVariant &next, int daysNext) {
-        QTest::newRow(tag) << relative << assigned << date << days << next << daysNext;
-    };
-    const QVariant late = day(2024, 5, 10, 23, 59), yesterday = day(2024, 5, 9, 23, 59);
-    row("relative, fresh", true, {}, day(2024, 5, 10), 0, day(2024, 5, 11), 0);
-    row("relative, a week back", true, -7, day(2024, 5, 3), -7, day(2024, 5, 4), -7);
-    row("relative, All", true, All, All, 0, All, 0);
-    row("today, late", false, late, late, 0, late, -1);
-    row("tomorrow, midnight", false, day(2024, 5, 11), day(2024, 5, 11), 1, day(2024, 5, 11), 0);
-    row("yesterday, late", false, yesterday, yesterday, -1, yesterday, -2);
-    row("across a year", false, day(2025, 5, 10), day(2025, 5, 10), 365, day(2025, 5, 10), 364);
-    row("absolute, All", false, All, All, 0, All, 0);
+    QTest::addColumn<QString>("shown"); // in the day-count field
+    QTest::newRow("RetNum, relative") << true << QStringLiteral("RetNum") << QVariant(-7)
+                                      << QVariant(day(2024, 5, 3)) << QStringLiteral("-7");
+    QTest::newRow("RetNum, absolute") << false << QStringLiteral("RetNum") << QVariant(3)
+                                      << QVariant(day(2024, 5, 13)) << QStringLiteral("3");
+    QTest::newRow("RetDate") << false << QStringLiteral("RetDate") << QVariant(day(2024, 5, 20, 15))
+                             << QVariant(day(2024, 5, 20, 15)) << QStringLiteral("10");
+    // Read back from the picker: clamped to MinDate's day, with the picker's time.
+    QTest::newRow("before MinDate")
+        << false << QStringLiteral("RetDate") << QVariant(day(2023, 6, 1, 15))
+        << QVariant(day(2024, 1, 1)) << QStringLiteral("-130");
+    QTest::newRow("no date") << false << QStringLiteral("RetDate")
+                             << QVariant(QStringLiteral("not a date")) << QVariant(day(2024, 5, 10))
+                             << QStringLiteral("0");
+    QTest::newRow("All") << true << QStringLiteral("RetDate") << All << All
+                         << QStringLiteral("All");
 }
 
-void tst_RelDate::model()
+void tst_RelDate::valueShown()
 {
     QFETCH(bool, relative);
-    QFETCH(QVariant, assigned);
+    QFETCH(QString, property);
+    QFETCH(QVariant, value);
     QFETCH(QVariant, date);
-    QFETCH(QVariant, dateNextDay);
     Form form;
     RelDate *r = form.add("D");
     r->setRelative(relative);
-    if (assigned.isValid())
-        QVERIFY(
-            r->setProperty(assigned.typeId() == QMetaType::Int ? "RetNum" : "RetDate", assigned));
-    QCOMPARE(r->property("RetDate"), date);
-    QTEST(r->RetNum(), "days");
+    r->setMinDate(day(2024, 1, 1));
+    QSignalSpy changed(r, &Control::PropertyChanged);
+    QVERIFY(r->setProperty(qPrintable(property), value));
+    QCOMPARE(r->RetDate(), date);
+    QTEST(child<QLineEdit>(r, "DateLong")->text(), "shown");
+    QCOMPARE(changed.last().value(0).toString(), property);
+    auto *picker = child<DatePicker>(r, "DateView");
+    QCOMPARE(picker->showsAll(), date == All);
     if (date != All)
         QVERIFY(r->DayOfMonth() == date.toDateTime().date().day()
                 && r->HourDate() == date.toDateTime().time().hour());
-    m_platform.setToday(QDate(2024, 5, 11));
-    QCOMPARE(r->RetDate(), dateNextDay);
-    QTEST(r->RetNum(), "daysNextDay");
-
-    // Switching the mode keeps the calendar day, or All; a switch to the same mode does nothing.
-    QSignalSpy change(r, &RelDate::Change);
-    QSignalSpy changed(r, &Control::PropertyChanged);
-    r->setProperty("Relative", !relative);
-    r->setRelative(!relative);
-    QCOMPARE(change.size(), 1);
-    QCOMPARE(changed.value(0).value(0).toString(), QStringLiteral("Relative"));
-    QCOMPARE(changed.value(1).value(0).toString(), QStringLiteral("RetDate"));
-    QCOMPARE(child<QCheckBox>(r, "ChRel")->isChecked(), !relative);
-    if (date == All)
-        QCOMPARE(r->RetDate(), All);
-    else
-        QCOMPARE(r->RetDate().toDateTime().date(), dateNextDay.toDateTime().date());
-    QTEST(r->RetNum(), date == All ? "days" : "daysNextDay");
-}
-
-void tst_RelDate::clampingAndAll()
-{
-    Form form;
-    RelDate *r = form.add("D");
-    r->setRelative(false);
-    r->setMinDate(day(2024, 1, 1));
-    r->setRetDate(day(2023, 6, 1, 15, 0));
-    QCOMPARE(r->RetDate(), QVariant(day(2024, 1, 1))); // the picker's time, not the one given
-    r->setRetDate(QStringLiteral("not a date"));
-    QCOMPARE(r->RetDate(), QVariant(day(2024, 1, 1)));
-    QSignalSpy changed(r, &Control::PropertyChanged);
-    r->setRetDate(All);
-    QCOMPARE(r->RetNum(), -130);
-    QCOMPARE(changed.last().value(0).toString(), QStringLiteral("RetDate"));
-    r->setRetDate(day(2024, 5, 20));
-    QVERIFY(!child<DatePicker>(r, "DateView")->showsAll());
-    QCOMPARE(child<QLineEdit>(r, "DateLong")->text(), QStringLiteral("10"));
 }
 
 void tst_RelDate::gestures_data()
 {
     QTest::addColumn<bool>("startRelative");
-    QTest::addColumn<QString>("gesture"); // steps separated by "; "
+    QTest::addColumn<QVariant>("start"); // a day count or All
     QTest::addColumn<bool>("allowAll");
+    QTest::addColumn<QString>("target"); // a part of the control, by name
+    QTest::addColumn<QTestEventList>("events");
     QTest::addColumn<bool>("relative");
     QTest::addColumn<QVariant>("days"); // from today, or All
     QTest::addColumn<QString>("shown"); // in the day-count field
     QTest::addColumn<int>("changes");
-    auto row = [](bool startRelative, const char *gesture, bool allowAll, bool relative,
-                  const QVariant &days, const char *shown, int changes) {
-        QTest::addRow("%s: %s%s", startRelative ? "relative" : "absolute", gesture,
-                      allowAll ? "" : ", All not allowed")
-            << startRelative << QString::fromLatin1(gesture) << allowAll << relative << days
-            << QString::fromLatin1(shown) << changes;
+    // From 9 days back, on MinDate's day; MaxDate is 22 days ahead.
+    auto row = [&](const char *tag, bool startRelative, const char *target,
+                   const QTestEventList &events, bool relative, const QVariant &days,
+                   const char *shown, int changes, bool allowAll = true,
+                   const QVariant &from = QVariant(-9)) {
+        QTest::newRow(tag) << startRelative << from << allowAll << QString::fromLatin1(target)
+                           << events << relative << days << QString::fromLatin1(shown) << changes;
     };
-    // From 9 days back, on MinDate's day; MaxDate is 22 days ahead. Both bounds carry a time of
-    // day, which does not count. An accepted typed count reports twice: once from the spinner it
-    // moves, once from the field.
-    row(true, "type +5", true, true, 5, "5", 2);
-    row(true, "type  7", true, true, 7, "7", 2);
-    row(true, "type -2", true, true, -2, "-2", 2);
-    row(true, "type abc", true, true, -9, "-9", 0);
-    row(true, "type All", true, true, -9, "All", 0);
-    row(true, "type 30", true, true, -9, "-9", 0);
-    row(true, "type -10", true, true, -9, "-9", 0);
-    row(true, "type 1000000000", true, true, -9, "-9", 0);
-    row(true, "type 3; type -9", true, true, -9, "-9", 4);
-    row(true, "type 22", true, true, 22, "22", 2);
-    row(true, "click up", true, true, -8, "-8", 1);
-    row(true, "click down", true, true, -9, "-9", 0);
-    row(true, "click ChRel", true, false, -9, "-9", 1);
-    row(true, "click ChRel ChRel", true, true, -9, "-9", 2);
+    const auto keys = [](std::initializer_list<std::pair<Qt::Key, Qt::KeyboardModifiers>> list) {
+        QTestEventList events;
+        for (const auto &[key, modifiers] : list)
+            events.addKeyClick(key, modifiers);
+        return events;
+    };
+    const auto click = [] {
+        QTestEventList events;
+        events.addMouseClick(Qt::LeftButton);
+        return events;
+    };
+    // An accepted count reports twice: from the spinner it moves and from the field. A typed
+    // "+" is taken and written back as the plain count.
+    QTestEventList typed = keys({{Qt::Key_Home, {}}, {Qt::Key_End, Qt::ShiftModifier}});
+    typed.addKeyClick('4');
+    typed.addKeyClick(Qt::Key_Home);
+    typed.addKeyClick('+');
+    row("type 4, then +", true, "DateLong", typed, true, 4, "4", 3);
+    QTestEventList letter = keys({{Qt::Key_End, {}}});
+    letter.addKeyClick('x');
+    row("type a letter", true, "DateLong", letter, true, -9, "-9", 0);
+    row("spin up", true, "up", click(), true, -8, "-8", 1);
+    row("spin below MinDate", true, "down", click(), true, -9, "-9", 0);
+    row("click ChRel", true, "ChRel", click(), false, -9, "-9", 1);
     // The mode toggle reports Change twice; going to today both through the spinner and itself.
-    row(true, "key Ctrl+R", true, false, -9, "-9", 2);
-    row(false, "key Ctrl+R", true, true, -9, "-9", 2);
-    row(true, "key Ctrl+Shift+R", true, true, -9, "-9", 0);
-    row(true, "key Alt+R", true, true, -9, "-9", 0);
-    row(true, "key Ctrl+A", true, true, All, "All", 1);
-    row(true, "key Ctrl+A", false, true, -9, "-9", 0);
-    row(true, "key Ctrl+0", true, true, 0, "0", 2);
-    row(true, "key Return", true, true, -9, "-9", 0);
-    row(false, "key End, Up", true, false, -8, "-8", 1);
+    row("Ctrl+R", true, "DateLong", keys({{Qt::Key_R, Qt::ControlModifier}}), false, -9, "-9", 2);
+    row("Ctrl+R, absolute", false, "edit", keys({{Qt::Key_R, Qt::ControlModifier}}), true, -9, "-9",
+        2);
+    row("Ctrl+Shift+R", true, "DateLong",
+        keys({{Qt::Key_R, Qt::ControlModifier | Qt::ShiftModifier}}), true, -9, "-9", 0);
+    row("Alt+R", true, "DateLong", keys({{Qt::Key_R, Qt::AltModifier}}), true, -9, "-9", 0);
+    row("Ctrl+A", true, "DateLong", keys({{Qt::Key_A, Qt::ControlModifier}}), true, All, "All", 1);
+    row("Ctrl+A, not allowed", true, "DateLong", keys({{Qt::Key_A, Qt::ControlModifier}}), true, -9,
+        "-9", 0, false);
+    row("Ctrl+0", true, "DateLong", keys({{Qt::Key_0, Qt::ControlModifier}}), true, 0, "0", 2);
+    row("Return", true, "DateLong", keys({{Qt::Key_Return, {}}}), true, -9, "-9", 0);
+    row("picker End, Up", false, "edit", keys({{Qt::Key_End, {}}, {Qt::Key_Up, {}}}), false, -8,
+        "-8", 1);
     // A click on the word All takes the picker's date again; the hidden field keeps its text.
-    row(false, "key Ctrl+A; click all", true, false, -9, "All", 2);
-    // The day-count field opens the menu on the press and adds nothing; the picker opens it on
-    // the release and reports once more when the menu closes, whatever was chosen.
-    row(true, "menu mnuRel", true, false, -9, "-9", 2);
-    row(false, "menu DateAll", true, false, All, "All", 2);
-    row(false, "menu Esc", false, false, -9, "-9", 1);
+    row("click on All", false, "all", click(), false, -9, "All", 1, true, All);
 }
 
 void tst_RelDate::gestures()
 {
     QFETCH(bool, startRelative);
-    QFETCH(QString, gesture);
+    QFETCH(QVariant, start);
     QFETCH(bool, allowAll);
+    QFETCH(QString, target);
+    QFETCH(QTestEventList, events);
     QFETCH(QVariant, days);
+    // Given a control with the box and the menu item, bounded by MinDate and MaxDate (both with a
+    // time of day, which does not count)
     Form form;
     RelDate *r = form.add("D");
-    r->setAllowAll(allowAll);
+    r->setAllowAll(true);
     r->setCheckBoxState(rbsLeft);
-    r->setMenuStateVisible(true);
     r->setCustomFormat(QStringLiteral("yyyy-MM-dd"));
     r->setMinDate(day(2024, 5, 1, 12));
     r->setMaxDate(day(2024, 6, 1, 9));
     r->setRetNum(-9);
     r->setRelative(startRelative);
+    if (start == All)
+        r->setRetDate(All);
+    r->setAllowAll(allowAll);
     QVERIFY(form.show());
-    auto *edit = child<QLineEdit>(r, "DateLong");
-    auto *picker = child<DatePicker>(r, "DateView");
-    QWidget *dateWidget = startRelative ? static_cast<QWidget *>(edit) : picker->dateEdit();
-    dateWidget->setFocus();
-    QTRY_VERIFY(dateWidget->hasFocus());
-    auto *menu = child<QMenu>(r, "PopUpDate");
+    auto *part = r->findChild<QWidget *>(target);
+    part->setFocus();
     QSignalSpy change(r, &RelDate::Change);
 
-    for (const QString &step : gesture.split(QStringLiteral("; "))) {
-        const QString verb = step.section(QLatin1Char(' '), 0, 0);
-        const QString rest = step.section(QLatin1Char(' '), 1);
-        if (verb == QLatin1String("type")) {
-            QTest::keyClick(edit, Qt::Key_Home);
-            QTest::keyClick(edit, Qt::Key_End, Qt::ShiftModifier);
-            // One key event that types the whole text, as an input method commits it.
-            QTest::sendKeyEvent(QTest::Click, edit, Qt::Key_unknown, rest, Qt::NoModifier);
-        } else if (verb == QLatin1String("key")) {
-            QTest::keySequence(QApplication::focusWidget(), QKeySequence::fromString(rest));
-        } else if (verb == QLatin1String("click")) {
-            for (const QString &name : rest.split(QLatin1Char(' '))) {
-                auto *target = r->findChild<QWidget *>(name);
-                QTest::mouseClick(target, Qt::LeftButton, {}, target->rect().center());
-            }
-        } else {
-            QTest::mousePress(dateWidget, Qt::RightButton, {}, QPoint(5, 5));
-            QCOMPARE(menu->isVisible(), startRelative);
-            if (!startRelative)
-                QTest::mouseRelease(dateWidget, Qt::RightButton, {}, QPoint(5, 5));
-            QTRY_VERIFY(menu->isVisible());
-            QCOMPARE(child<QAction>(r, "DateAll")->isVisible(), allowAll);
-            for (QAction *action : r->findChildren<QAction *>(QStringLiteral("CurrentDate")))
-                QCOMPARE(action->isVisible(), action->property("Index").toInt() == 1);
-            if (rest == QLatin1String("Esc"))
-                QTest::keyClick(menu, Qt::Key_Escape);
-            else
-                QTest::mouseClick(menu, Qt::LeftButton, {},
-                                  menu->actionGeometry(r->findChild<QAction *>(rest)).center());
-            QTRY_VERIFY(!menu->isVisible());
-            if (startRelative)
-                QTest::mouseRelease(dateWidget, Qt::RightButton, {}, QPoint(5, 5));
-            QCoreApplication::processEvents();
-        }
-    }
+    // When the user acts on the part
+    events.simulate(part);
+
+    // Then
     QTEST(int(change.size()), "changes");
     QTEST(r->Relative(), "relative");
+    auto *edit = child<QLineEdit>(r, "DateLong");
     QTEST(edit->text(), "shown");
-    QCOMPARE(child<QAction>(r, "mnuRel")->text(), loadString(r->Relative() ? 206 : 205));
+    QCOMPARE(child<QAction>(r, "mnuRel")->text(),
+             r->Relative() ? QStringLiteral("Absolute Date") : QStringLiteral("Relative Date"));
+    auto *picker = child<DatePicker>(r, "DateView");
     QCOMPARE(picker->showsAll(), days == All);
     if (days == All) {
         QCOMPARE(r->RetDate(), All);
@@ -332,9 +283,62 @@ void tst_RelDate::gestures()
         QCOMPARE(child<UpDown>(r, "DateLongUD")->Value(), days.toInt());
         QCOMPARE(picker->dateEdit()->text(), date.toString(QStringLiteral("yyyy-MM-dd")));
     }
-    const bool enter = gesture == QLatin1String("key Return");
+    const bool enter = QLatin1String(QTest::currentDataTag()) == QLatin1String("Return");
     QCOMPARE(m_platform.sentKeys(), enter ? QStringList{QStringLiteral("{TAB}")} : QStringList());
-    QVERIFY(!enter || !edit->hasFocus());
+}
+
+void tst_RelDate::menu_data()
+{
+    QTest::addColumn<bool>("startRelative");
+    QTest::addColumn<bool>("allowAll");
+    QTest::addColumn<QString>("item"); // empty: Esc
+    QTest::addColumn<bool>("relative");
+    QTest::addColumn<QVariant>("date");
+    QTest::addColumn<int>("changes");
+    // The day-count field opens the menu on the press and adds nothing; the picker opens it on
+    // the release and reports once more when the menu closes, whatever was chosen.
+    QTest::newRow("mnuRel") << true << true << QStringLiteral("mnuRel") << false
+                            << QVariant(day(2024, 5, 1)) << 2;
+    QTest::newRow("DateAll") << false << true << QStringLiteral("DateAll") << false << All << 2;
+    QTest::newRow("Esc") << false << false << QString() << false << QVariant(day(2024, 5, 1)) << 1;
+}
+
+void tst_RelDate::menu()
+{
+    QFETCH(bool, startRelative);
+    QFETCH(bool, allowAll);
+    QFETCH(QString, item);
+    Form form;
+    RelDate *r = form.add("D");
+    r->setAllowAll(allowAll);
+    r->setMenuStateVisible(true);
+    r->setRetNum(-9);
+    r->setRelative(startRelative);
+    QVERIFY(form.show());
+    QWidget *part = startRelative ? child(r, "DateLong") : child(r, "edit");
+    auto *menu = child<QMenu>(r, "PopUpDate");
+    QSignalSpy change(r, &RelDate::Change);
+
+    QTest::mousePress(part, Qt::RightButton, {}, QPoint(5, 5));
+    QCOMPARE(menu->isVisible(), startRelative);
+    if (!startRelative)
+        QTest::mouseRelease(part, Qt::RightButton, {}, QPoint(5, 5));
+    QTRY_VERIFY(menu->isVisible());
+    QCOMPARE(child<QAction>(r, "DateAll")->isVisible(), allowAll);
+    for (QAction *action : r->findChildren<QAction *>(QStringLiteral("CurrentDate")))
+        QCOMPARE(action->isVisible(), action->property("Index").toInt() == 1);
+    if (item.isEmpty())
+        QTest::keyClick(menu, Qt::Key_Escape);
+    else
+        QTest::mouseClick(menu, Qt::LeftButton, {},
+                          menu->actionGeometry(r->findChild<QAction *>(item)).center());
+    QTRY_VERIFY(!menu->isVisible());
+    if (startRelative)
+        QTest::mouseRelease(part, Qt::RightButton, {}, QPoint(5, 5));
+    QFETCH(int, changes);
+    QTRY_COMPARE(int(change.size()), changes);
+    QTEST(r->Relative(), "relative");
+    QTEST(r->RetDate(), "date");
 }
 
 void tst_RelDate::mouseEvents()
@@ -621,48 +625,62 @@ void tst_RelDate::layout()
     QCOMPARE(date.top(), client.top() - 2);
 }
 
-void tst_RelDate::accessibleNames_data()
+void tst_RelDate::formLayout()
 {
-    QTest::addColumn<QString>("host"); // the control's own name, given once the form is shown
-    QTest::addColumn<QStringList>("names"); // DateView, its edit, All, DateLong, DateLongUD, ChRel
-    QTest::newRow("unnamed") << QString()
-                             << QStringList{QStringLiteral("Date"),
-                                            QStringLiteral("Date"),
-                                            QStringLiteral("Date: any date"),
-                                            QStringLiteral("Days from today"),
-                                            QStringLiteral("Step days from today"),
-                                            loadString(207)};
-    QTest::newRow("named by the host") << QStringLiteral("From")
-                                       << QStringList{QStringLiteral("From"),
-                                                      QStringLiteral("From"),
-                                                      QStringLiteral("From: any date"),
-                                                      QStringLiteral("From: Days from today"),
-                                                      QStringLiteral("From: Step days from today"),
-                                                      QStringLiteral("From: ") + loadString(207)};
+    // Given a form layout of a line edit and date fields with and without the box
+    QWidget form;
+    auto *layout = new QFormLayout(&form);
+    auto *line = new QLineEdit;
+    layout->addRow(QStringLiteral("Name"), line);
+    RelDate *fields[] = {new RelDate, new RelDate};
+    fields[1]->setCheckBoxState(rbsRight);
+    for (RelDate *r : fields)
+        layout->addRow(QStringLiteral("From"), r);
+    form.show();
+    QVERIFY(QTest::qWaitForWindowExposed(&form));
+    // Then every row is one line high, and the date has room
+    for (RelDate *r : fields) {
+        QCOMPARE(r->height(), line->height());
+        QVERIFY(r->minimumSizeHint().isValid());
+        QVERIFY(r->width() >= r->minimumSizeHint().width());
+        QVERIFY(r->sizeHint().width() >= child<DatePicker>(r, "DateView")->sizeHint().width());
+    }
+    QVERIFY(fields[1]->sizeHint().width() > fields[0]->sizeHint().width());
 }
 
 void tst_RelDate::accessibleNames()
 {
-    QFETCH(QString, host);
-    QFETCH(QStringList, names);
     Form form;
     RelDate *r = form.add("D");
     r->setRetDate(All);
     QVERIFY(form.show());
-    r->setAccessibleName(host);
     auto *edit = child<QLineEdit>(r, "DateLong");
-    edit->setFocus();
-    QTRY_VERIFY(edit->hasFocus());
     auto *picker = child<DatePicker>(r, "DateView");
-    const QStringList seen{picker->accessibleName(),
+    const auto names = [&] {
+        return QStringList{picker->accessibleName(),
                            picker->dateEdit()->accessibleName(),
                            child(picker, "all")->accessibleName(),
                            edit->accessibleName(),
                            child(r, "DateLongUD")->accessibleName(),
                            child(r, "ChRel")->accessibleName()};
-    QCOMPARE(seen, names);
-    QCOMPARE(picker->dateEdit()->accessibleDescription(), loadString(201));
-    QCOMPARE(edit->accessibleDescription(), loadString(202));
+    };
+    QCOMPARE(names(),
+             (QStringList{QStringLiteral("Date"), QStringLiteral("Date"),
+                          QStringLiteral("Date: any date"), QStringLiteral("Days from today"),
+                          QStringLiteral("Step days from today"),
+                          QStringLiteral("Relative/Absolute Date")}));
+    QCOMPARE(picker->dateEdit()->accessibleDescription(), QStringLiteral("Input absolute date"));
+    QCOMPARE(edit->accessibleDescription(), QStringLiteral("Input relative date"));
+
+    // A name the host gives once the form is shown leads the parts' names when one takes focus.
+    r->setAccessibleName(QStringLiteral("From"));
+    edit->setFocus();
+    QTRY_VERIFY(edit->hasFocus());
+    QCOMPARE(names(),
+             (QStringList{QStringLiteral("From"), QStringLiteral("From"),
+                          QStringLiteral("From: any date"), QStringLiteral("From: Days from today"),
+                          QStringLiteral("From: Step days from today"),
+                          QStringLiteral("From: Relative/Absolute Date")}));
 }
 
 QTEST_MAIN(tst_RelDate)

@@ -1,0 +1,219 @@
+#include <zelkon/common/testplatform.h>
+#include <zelkon/reldate/relativedate.h>
+
+#include <QTest>
+
+using namespace zelkon;
+
+namespace {
+
+const QVariant All = QStringLiteral("All");
+const QDate today(2024, 5, 10);
+
+QDateTime day(int y, int m, int d, int h = 0, int min = 0)
+{
+    return QDateTime(QDate(y, m, d), QTime(h, min));
+}
+
+// A value in the given mode holding `value`: a day count (int), a date or All. A day count of 3
+// was there before, so that "All" shows which count it keeps.
+RelativeDate valueOf(bool relative, const QVariant &value)
+{
+    RelativeDate v;
+    v.setAllowAll(true);
+    v.restore(relative, 3, relative ? QVariant() : value, today);
+    if (RelativeDate::isAll(value))
+        v.setAll();
+    else if (relative)
+        v.setDayCount(value.toInt());
+    return v;
+}
+
+} // namespace
+
+class tst_RelativeDate : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void reading_data();
+    void reading();
+    void switchingMode_data();
+    void switchingMode();
+    void allNeedsAllowAll();
+    void isAll_data();
+    void isAll();
+    void restore_data();
+    void restore();
+    void typedDayCount_data();
+    void typedDayCount();
+    void arithmetic();
+
+private:
+    TestPlatform m_platform{today}; // pins the locale that numbers are typed in
+};
+
+void tst_RelativeDate::reading_data()
+{
+    QTest::addColumn<bool>("relative");
+    QTest::addColumn<QVariant>("value"); // a day count or a date
+    QTest::addColumn<QVariant>("date");
+    QTest::addColumn<int>("days");
+    QTest::addColumn<QVariant>("dateNextDay"); // read again a day later
+    QTest::addColumn<int>("daysNextDay");
+    auto row = [](const char *tag, bool relative, const QVariant &value, const QVariant &date,
+                  int days, const QVariant &next, int daysNext) {
+        QTest::newRow(tag) << relative << value << date << days << next << daysNext;
+    };
+    const QVariant late = day(2024, 5, 10, 23, 59), yesterday = day(2024, 5, 9, 23, 59);
+    row("relative, today", true, 0, day(2024, 5, 10), 0, day(2024, 5, 11), 0);
+    row("relative, a week back", true, -7, day(2024, 5, 3), -7, day(2024, 5, 4), -7);
+    row("relative, All", true, All, All, 3, All, 3);
+    row("absolute, today late", false, late, late, 0, late, -1);
+    row("absolute, tomorrow", false, day(2024, 5, 11), day(2024, 5, 11), 1, day(2024, 5, 11), 0);
+    row("absolute, yesterday late", false, yesterday, yesterday, -1, yesterday, -2);
+    row("absolute, a year on", false, day(2025, 5, 10), day(2025, 5, 10), 365, day(2025, 5, 10),
+        364);
+    row("absolute, All", false, All, All, 3, All, 3);
+}
+
+void tst_RelativeDate::reading()
+{
+    QFETCH(bool, relative);
+    QFETCH(QVariant, value);
+    RelativeDate v = valueOf(relative, value);
+    QTEST(v.date(today), "date");
+    QTEST(int(v.dayCount(today)), "days");
+    QTEST(v.date(today.addDays(1)), "dateNextDay");
+    QTEST(int(v.dayCount(today.addDays(1))), "daysNextDay");
+    QCOMPARE(v.isRelative(), relative);
+}
+
+void tst_RelativeDate::switchingMode_data()
+{
+    QTest::addColumn<bool>("relative");
+    QTest::addColumn<QVariant>("value");
+    QTest::addColumn<QVariant>("date"); // after the switch, which is made a day later
+    QTest::addColumn<int>("days");
+    // The calendar day stays; a date taken over from a day count is at midnight.
+    QTest::newRow("to absolute") << true << QVariant(-7) << QVariant(day(2024, 5, 4)) << -7;
+    QTest::newRow("to relative") << false << QVariant(day(2024, 5, 12, 15))
+                                 << QVariant(day(2024, 5, 12)) << 1;
+    QTest::newRow("to absolute, All") << true << All << All << 3;
+    QTest::newRow("to relative, All") << false << All << All << 3;
+}
+
+void tst_RelativeDate::switchingMode()
+{
+    QFETCH(bool, relative);
+    QFETCH(QVariant, value);
+    RelativeDate v = valueOf(relative, value);
+    const QDate later = today.addDays(1);
+    QVERIFY(!v.setRelative(relative, later)); // already in that mode
+    QVERIFY(v.setRelative(!relative, later));
+    QCOMPARE(v.isRelative(), !relative);
+    QTEST(v.date(later), "date");
+    QTEST(int(v.dayCount(later)), "days");
+    // There and back keeps the day.
+    QVERIFY(v.setRelative(relative, later));
+    QTEST(v.date(later), "date");
+}
+
+void tst_RelativeDate::allNeedsAllowAll()
+{
+    RelativeDate v; // newly placed: absolute, no date, All not allowed
+    QVERIFY(!v.setAll());
+    QVERIFY(!v.isAll() && !v.storedDate().isValid());
+    v.setAllowAll(true);
+    QVERIFY(v.setAll());
+    QVERIFY(v.isAll());
+    // A copy is a value of its own.
+    RelativeDate copy = v;
+    copy.setStoredDate(day(2024, 1, 1));
+    QVERIFY(v.isAll() && !copy.isAll());
+}
+
+void tst_RelativeDate::isAll_data()
+{
+    QTest::addColumn<QVariant>("value");
+    QTest::addColumn<bool>("all");
+    QTest::newRow("All") << All << true;
+    QTest::newRow("all") << QVariant(QStringLiteral("all")) << false;
+    QTest::newRow("bytes") << QVariant(QByteArray("All")) << false;
+    QTest::newRow("a date") << QVariant(day(2024, 1, 1)) << false;
+    QTest::newRow("Empty") << QVariant() << false;
+}
+
+void tst_RelativeDate::isAll()
+{
+    QFETCH(QVariant, value);
+    QTEST(RelativeDate::isAll(value), "all");
+}
+
+void tst_RelativeDate::restore_data()
+{
+    QTest::addColumn<bool>("relative");
+    QTest::addColumn<int>("savedDays");
+    QTest::addColumn<QVariant>("savedDate");
+    QTest::addColumn<QVariant>("date");
+    QTest::addColumn<int>("days");
+    // The mode's own form is taken, the other derived: a saved relative date is today's again.
+    QTest::newRow("relative") << true << 3 << QVariant(day(2020, 1, 1))
+                              << QVariant(day(2024, 5, 13)) << 3;
+    QTest::newRow("absolute") << false << 3 << QVariant(day(2024, 5, 1, 9, 30))
+                              << QVariant(day(2024, 5, 1, 9, 30)) << -9;
+    QTest::newRow("All") << true << 4 << All << All << 4;
+}
+
+void tst_RelativeDate::restore()
+{
+    QFETCH(bool, relative);
+    QFETCH(int, savedDays);
+    QFETCH(QVariant, savedDate);
+    RelativeDate v;
+    v.restore(relative, savedDays, savedDate, today);
+    QTEST(v.storedDate(), "date");
+    QTEST(int(v.storedDayCount()), "days");
+}
+
+void tst_RelativeDate::typedDayCount_data()
+{
+    QTest::addColumn<QString>("text");
+    QTest::addColumn<QVariant>("days"); // Empty: refused
+    // From 2024-05-10 within 2024-05-01 .. 2024-06-01: -9 .. 22.
+    const QVariant refused;
+    QTest::newRow("+5") << QStringLiteral("+5") << QVariant(5);
+    QTest::newRow(" 7") << QStringLiteral(" 7") << QVariant(7);
+    QTest::newRow("-9, the first day") << QStringLiteral("-9") << QVariant(-9);
+    QTest::newRow("22, the last day") << QStringLiteral("22") << QVariant(22);
+    QTest::newRow("2.5, to even") << QStringLiteral("2.5") << QVariant(2);
+    QTest::newRow("-10") << QStringLiteral("-10") << refused;
+    QTest::newRow("23") << QStringLiteral("23") << refused;
+    QTest::newRow("abc") << QStringLiteral("abc") << refused;
+    QTest::newRow("empty") << QString() << refused;
+    QTest::newRow("All") << QStringLiteral("All") << refused;
+    QTest::newRow("past the dates") << QStringLiteral("1000000000") << refused;
+    QTest::newRow("past a Long") << QStringLiteral("3000000000") << refused;
+}
+
+void tst_RelativeDate::typedDayCount()
+{
+    QFETCH(QString, text);
+    QFETCH(QVariant, days);
+    const auto typed
+        = RelativeDate::typedDayCount(text, today, QDate(2024, 5, 1), QDate(2024, 6, 1));
+    QCOMPARE(typed.has_value(), days.isValid());
+    if (typed)
+        QCOMPARE(*typed, days.toInt());
+}
+
+void tst_RelativeDate::arithmetic()
+{
+    QCOMPARE(RelativeDate::dateFromToday(-10, today), day(2024, 4, 30));
+    QVERIFY(!RelativeDate::dateFromToday(3000000, today)); // past 9999
+    QCOMPARE(RelativeDate::daysFromToday(day(2024, 5, 11, 0, 1), today), 1);
+    QVERIFY(!RelativeDate::daysFromToday(QStringLiteral("no date"), today));
+}
+
+QTEST_MAIN(tst_RelativeDate)
+#include "tst_relativedate.moc"
