@@ -3,7 +3,7 @@
 #include <zelkon/common/conversions.h>
 #include <zelkon/common/error.h>
 #include <zelkon/common/numberpattern.h>
-#include <zelkon/common/testplatform.h>
+#include <zelkon/test/testplatform.h>
 
 #include <cmath>
 #include <cstdint>

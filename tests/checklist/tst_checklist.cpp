@@ -3,7 +3,7 @@
 #include <zelkon/common/error.h>
 #include <zelkon/common/memorypropertybag.h>
 #include <zelkon/common/registry.h>
-#include <zelkon/common/testplatform.h>
+#include <zelkon/test/testplatform.h>
 #include <zelkon/common/variants.h>
 #include <zelkon/data/connection.h>
 #include <zelkon/data/recordset.h>

@@ -1,10 +1,10 @@
 // Platform services, string tables, version, registry, key translation and the spinner.
 #include <zelkon/common/checkclass.h>
 #include <zelkon/common/control.h>
-#include <zelkon/common/keycodes.h>
+#include <zelkon/common/keycodes_p.h>
 #include <zelkon/common/registry.h>
-#include <zelkon/common/strings.h>
-#include <zelkon/common/testplatform.h>
+#include <zelkon/common/strings_p.h>
+#include <zelkon/test/testplatform.h>
 #include <zelkon/common/updown.h>
 #include <zelkon/common/version.h>
 

@@ -1,4 +1,4 @@
-#include <zelkon/common/testplatform.h>
+#include <zelkon/test/testplatform.h>
 #include <zelkon/reldate/relativedate.h>
 
 #include <QTest>

@@ -1,7 +1,7 @@
 #include <zelkon/common/datepicker.h>
 #include <zelkon/common/memorypropertybag.h>
 #include <zelkon/common/registry.h>
-#include <zelkon/common/testplatform.h>
+#include <zelkon/test/testplatform.h>
 #include <zelkon/common/updown.h>
 #include <zelkon/reldate/reldate.h>
 

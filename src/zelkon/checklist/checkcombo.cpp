@@ -3,13 +3,13 @@
 #include <zelkon/checklist/frmlist.h>
 #include <zelkon/common/conversions.h>
 #include <zelkon/common/error.h>
-#include <zelkon/common/extent.h>
-#include <zelkon/common/ignoreerrors.h>
-#include <zelkon/common/keycodes.h>
+#include <zelkon/common/extent_p.h>
+#include <zelkon/common/ignoreerrors_p.h>
+#include <zelkon/common/keycodes_p.h>
 #include <zelkon/common/propertybag.h>
 #include <zelkon/common/registry.h>
 #include <zelkon/common/variants.h>
-#include <zelkon/data/recordsetaccess.h>
+#include <zelkon/data/recordsetaccess_p.h>
 
 #include <QEvent>
 #include <QKeyEvent>

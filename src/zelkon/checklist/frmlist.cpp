@@ -2,10 +2,10 @@
 
 #include <zelkon/common/conversions.h>
 #include <zelkon/common/error.h>
-#include <zelkon/common/ignoreerrors.h>
-#include <zelkon/common/strings.h>
+#include <zelkon/common/ignoreerrors_p.h>
+#include <zelkon/common/strings_p.h>
 #include <zelkon/common/variants.h>
-#include <zelkon/data/recordsetaccess.h>
+#include <zelkon/data/recordsetaccess_p.h>
 #include <zelkon/dropdown/frmshowhide.h>
 
 #include <QAction>

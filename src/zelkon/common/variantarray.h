@@ -42,7 +42,7 @@ public:
     // Elements in storage order (first index fastest).
     const QList<QVariant> &elements() const { return m_data; }
 
-    friend bool operator==(const VariantArray &a, const VariantArray &b);
+    friend ZELKON_EXPORT bool operator==(const VariantArray &a, const VariantArray &b);
     friend bool operator!=(const VariantArray &a, const VariantArray &b) { return !(a == b); }
 
 private:

@@ -1,9 +1,9 @@
 #include <zelkon/common/conversions.h>
 #include <zelkon/common/datepicker.h>
-#include <zelkon/common/ignoreerrors.h>
+#include <zelkon/common/ignoreerrors_p.h>
 #include <zelkon/common/platform.h>
 #include <zelkon/common/registry.h>
-#include <zelkon/common/strings.h>
+#include <zelkon/common/strings_p.h>
 #include <zelkon/common/updown.h>
 #include <zelkon/common/variants.h>
 #include <zelkon/reldate/reldate_p.h>
@@ -95,6 +95,9 @@ RelDate::RelDate(QWidget *parent)
                            static_cast<QWidget *>(d->dateLongUD), static_cast<QWidget *>(d->chRel)})
         d->watchChild(child);
 
+    // Sized as a line edit in a form layout: as wide as it is given, one line high.
+    setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Fixed);
+    setFrameLook(1, 1);
     d->showCheckBox();
     d->showMode();
     d->layoutWidgets();
@@ -138,15 +141,15 @@ void RelDate::setRetNum(qint32 days)
 void RelDatePrivate::switchMode(bool relative)
 {
     if (!model.setRelative(relative, today())) {
-        Q_EMIT q->PropertyChanged(QStringLiteral("Relative"));
+        q->notifyPut(QStringLiteral("Relative"));
         return;
     }
     showCheckBox();
     showMode();
     propagateMode();
     Q_EMIT q->Change();
-    Q_EMIT q->PropertyChanged(QStringLiteral("Relative"));
-    Q_EMIT q->PropertyChanged(QStringLiteral("RetDate"));
+    q->notifyPut(QStringLiteral("Relative"));
+    q->notifyPut(QStringLiteral("RetDate"));
     refreshView();
 }
 
@@ -177,7 +180,7 @@ void RelDatePrivate::putDate(const QVariant &value)
         });
         synchronizeValue();
     }
-    Q_EMIT q->PropertyChanged(QStringLiteral("RetDate"));
+    q->notifyPut(QStringLiteral("RetDate"));
     refreshView();
 }
 
@@ -193,7 +196,7 @@ void RelDatePrivate::putDayCount(qint32 days)
                 dateView->setValue(*date);
         },
     });
-    Q_EMIT q->PropertyChanged(QStringLiteral("RetNum"));
+    q->notifyPut(QStringLiteral("RetNum"));
     refreshView();
 }
 
@@ -207,30 +210,30 @@ bool RelDate::AllowAll() const
 void RelDate::setAllowAll(bool allow)
 {
     d->model.setAllowAll(allow);
-    Q_EMIT PropertyChanged(QStringLiteral("AllowAll"));
+    notifyPut(QStringLiteral("AllowAll"));
 }
 
 qint32 RelDate::Appearance() const
 {
-    return d->appearance;
+    return frameAppearance();
 }
 
 void RelDate::setAppearance(qint32 appearance)
 {
-    d->appearance = appearance;
-    Q_EMIT PropertyChanged(QStringLiteral("Appearance"));
+    setFrameLook(appearance, frameBorder());
+    notifyPut(QStringLiteral("Appearance"));
     d->layoutWidgets();
 }
 
 qint32 RelDate::Border() const
 {
-    return d->border;
+    return frameBorder();
 }
 
 void RelDate::setBorder(qint32 border)
 {
-    d->border = border;
-    Q_EMIT PropertyChanged(QStringLiteral("Border"));
+    setFrameLook(frameAppearance(), border);
+    notifyPut(QStringLiteral("Border"));
     d->layoutWidgets();
 }
 
@@ -243,7 +246,7 @@ void RelDate::setSynchValue(bool synch)
 {
     d->synchValue = synch;
     d->synchronizeValue();
-    Q_EMIT PropertyChanged(QStringLiteral("SynchValue"));
+    notifyPut(QStringLiteral("SynchValue"));
 }
 
 QString RelDate::TopControl()
@@ -273,8 +276,7 @@ qint32 RelDate::GlobalSynchro() const
 
 void RelDate::setGlobalSynchro(qint32 synchro)
 {
-    d->globalSynchro = synchro;
-    Q_EMIT PropertyChanged(QStringLiteral("GlobalSynchro"));
+    put(d->globalSynchro, synchro, QStringLiteral("GlobalSynchro"));
 }
 
 bool RelDate::MenuStateVisible() const
@@ -284,9 +286,8 @@ bool RelDate::MenuStateVisible() const
 
 void RelDate::setMenuStateVisible(bool visible)
 {
-    d->menuStateVisible = visible;
-    d->mnuRel->setVisible(visible);
-    Q_EMIT PropertyChanged(QStringLiteral("MenuStateVisible"));
+    put(d->menuStateVisible, visible, QStringLiteral("MenuStateVisible"),
+        [this] { d->mnuRel->setVisible(d->menuStateVisible); });
 }
 
 qint32 RelDate::CheckBoxState() const
@@ -296,9 +297,10 @@ qint32 RelDate::CheckBoxState() const
 
 void RelDate::setCheckBoxState(qint32 state)
 {
-    d->checkBoxState = state;
-    Q_EMIT PropertyChanged(QStringLiteral("CheckBoxState"));
-    d->layoutWidgets();
+    put(d->checkBoxState, state, QStringLiteral("CheckBoxState"), [this] {
+        d->layoutWidgets();
+        updateGeometry();
+    });
 }
 
 QString RelDate::CustomFormat() const
@@ -312,25 +314,14 @@ void RelDate::setCustomFormat(const QString &format)
 {
     d->customFormat = format;
     attempt([&] { d->dateView->setCustomFormat(format); });
-    Q_EMIT PropertyChanged(QStringLiteral("CustomFormat"));
+    notifyPut(QStringLiteral("CustomFormat"));
 }
 
-bool RelDate::Enabled() const
+void RelDate::applyEnabled(bool enabled)
 {
-    return !testAttribute(Qt::WA_ForceDisabled);
-}
-
-void RelDate::setControlEnabled(bool enabled)
-{
-    d->applyEnabled(enabled);
-    Q_EMIT PropertyChanged(QStringLiteral("Enabled"));
-}
-
-void RelDatePrivate::applyEnabled(bool enabled)
-{
-    q->QWidget::setEnabled(enabled);
-    for (QWidget *child : {static_cast<QWidget *>(dateView), static_cast<QWidget *>(dateLong),
-                           static_cast<QWidget *>(dateLongUD), static_cast<QWidget *>(chRel)})
+    QWidget::setEnabled(enabled);
+    for (QWidget *child : {static_cast<QWidget *>(d->dateView), static_cast<QWidget *>(d->dateLong),
+                           static_cast<QWidget *>(d->dateLongUD), static_cast<QWidget *>(d->chRel)})
         child->setEnabled(enabled);
 }
 
@@ -342,7 +333,7 @@ QDateTime RelDate::MaxDate() const
 void RelDate::setMaxDate(const QDateTime &date)
 {
     attempt([&] { d->dateView->setMaxDate(date); });
-    Q_EMIT PropertyChanged(QStringLiteral("MaxDate"));
+    notifyPut(QStringLiteral("MaxDate"));
 }
 
 QDateTime RelDate::MinDate() const
@@ -353,7 +344,7 @@ QDateTime RelDate::MinDate() const
 void RelDate::setMinDate(const QDateTime &date)
 {
     attempt([&] { d->dateView->setMinDate(date); });
-    Q_EMIT PropertyChanged(QStringLiteral("MinDate"));
+    notifyPut(QStringLiteral("MinDate"));
 }
 
 bool RelDate::UpDown() const
@@ -364,7 +355,7 @@ bool RelDate::UpDown() const
 void RelDate::setUpDown(bool upDown)
 {
     d->dateView->setUpDown(upDown);
-    Q_EMIT PropertyChanged(QStringLiteral("UpDown"));
+    notifyPut(QStringLiteral("UpDown"));
 }
 
 // The date parts describe what the picker shows, whatever the mode.

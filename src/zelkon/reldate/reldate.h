@@ -35,8 +35,8 @@ class ZELKON_EXPORT RelDate : public Control
     Q_PROPERTY(QVariant RetDate READ RetDate WRITE setRetDate)
     Q_PROPERTY(qint32 RetNum READ RetNum WRITE setRetNum)
     Q_PROPERTY(QString CustomFormat READ CustomFormat WRITE setCustomFormat)
-    // QWidget::setEnabled must stay what it is, so the accessors of "Enabled" are named apart.
-    Q_PROPERTY(bool Enabled READ Enabled WRITE setControlEnabled)
+    // QWidget::setEnabled must stay what it is, so the setter of "Enabled" is named apart.
+    Q_PROPERTY(bool Enabled READ Enabled WRITE putEnabled)
     Q_PROPERTY(QDateTime MaxDate READ MaxDate WRITE setMaxDate)
     Q_PROPERTY(QDateTime MinDate READ MinDate WRITE setMinDate)
     Q_PROPERTY(bool UpDown READ UpDown WRITE setUpDown)
@@ -87,8 +87,6 @@ public:
 
     QString CustomFormat() const;
     void setCustomFormat(const QString &format);
-    bool Enabled() const;
-    void setControlEnabled(bool enabled);
     QDateTime MaxDate() const;
     void setMaxDate(const QDateTime &date);
     QDateTime MinDate() const;
@@ -117,8 +115,11 @@ Q_SIGNALS:
     void MouseDown(qint16 &Button, qint16 &Shift, float &X, float &Y);
 
 protected:
+    // The surface's state is copied to the parts, so each part shows it even where a host or
+    // a style looks at the part alone.
+    void applyEnabled(bool enabled) override;
+    void childMouseEvent(QWidget *child, QEvent::Type type, MouseArgs &args) override;
     void resizeEvent(QResizeEvent *event) override;
-    void paintEvent(QPaintEvent *event) override;
     void showEvent(QShowEvent *event) override;
 
 private:

@@ -5,15 +5,12 @@
 #include <zelkon/reldate/relativedate.h>
 #include <zelkon/reldate/reldate.h>
 
-#include <QEvent>
 #include <QObject>
-#include <QPointF>
 
 class QAction;
 class QCheckBox;
 class QLineEdit;
 class QMenu;
-class QMouseEvent;
 class QKeyEvent;
 
 namespace zelkon {
@@ -44,7 +41,6 @@ public:
     void dateViewAdopted();
     void dateViewLeftAll();
     void popUpMenu(const QPoint &globalPos, bool changeAfter);
-    bool mouseEvent(QWidget *child, QWidget *watched, QMouseEvent *event);
     bool keyPressed(QKeyEvent *event);
     bool eventFilter(QObject *watched, QEvent *event) override;
     QWidget *namedChildOf(QObject *watched) const;
@@ -65,10 +61,7 @@ public:
     void refreshView();
     void layoutWidgets();
     void updateAccessibleNames();
-    int frameWidth() const;
     int checkBoxSlotWidth() const;
-    // The surface's enabled state, copied to the parts.
-    void applyEnabled(bool enabled);
 
     // Persistence.
     void readProperties(PropertyBag &bag);
@@ -95,18 +88,12 @@ public:
     QString topControl;
     QString bootControl;
     bool synchValue = false;
-    qint32 appearance = 1;
-    qint32 border = 1;
 
     bool loading = false;
     bool dateLongGuard = false;
     bool dateLongUDGuard = false;
     bool synchronizing = false;
     bool changeAfterMenu = false;
-    // The last mouse event reported, to report an event once when it travels on to a parent.
-    QEvent::Type lastMouseType = QEvent::None;
-    quint64 lastMouseTime = 0;
-    QPointF lastMousePos;
 };
 
 } // namespace zelkon

@@ -1,11 +1,12 @@
 #include <zelkon/common/datepicker.h>
-#include <zelkon/common/ignoreerrors.h>
-#include <zelkon/common/keycodes.h>
+#include <zelkon/common/ignoreerrors_p.h>
+#include <zelkon/common/keycodes_p.h>
 #include <zelkon/common/platform.h>
 #include <zelkon/common/updown.h>
 #include <zelkon/common/variants.h>
 #include <zelkon/reldate/reldate_p.h>
 
+#include <QAbstractSpinBox>
 #include <QAction>
 #include <QApplication>
 #include <QCheckBox>
@@ -167,49 +168,44 @@ void RelDatePrivate::popUpMenu(const QPoint &globalPos, bool changeAfter)
     popUpDate->popup(globalPos);
 }
 
-bool RelDatePrivate::mouseEvent(QWidget *child, QWidget *watched, QMouseEvent *event)
+// The parts' own arguments reach the host, with coordinates in the named part's own.
+void RelDate::childMouseEvent(QWidget *child, QEvent::Type type, MouseArgs &args)
 {
-    const MouseArgs args = mouseArgs(event);
-    const QPointF at = watched->mapTo(child, event->position());
-    // By reference: the host may change them, and what follows sees the change.
-    qint16 button = args.Button;
-    qint16 shift = args.Shift;
-    float x = float(at.x());
-    float y = float(at.y());
-    switch (event->type()) {
+    QWidget *part = d->namedChildOf(child);
+    if (!part)
+        return;
+    const QPointF inChild(args.X, args.Y);
+    const QPoint global = child->mapToGlobal(inChild).toPoint();
+    const QPointF at = child->mapTo(part, inChild);
+    args.X = float(at.x());
+    args.Y = float(at.y());
+    switch (type) {
     case QEvent::MouseMove:
-        if (child == dateLong) {
-            Q_EMIT q->MouseMove();
-            Q_EMIT q->MouseMoveXY(button, shift, x, y);
-        } else if (child == chRel) {
-            Q_EMIT q->MouseMoveXY(button, shift, x, y);
-        } else {
-            Q_EMIT q->MouseMoveXY(button, shift, x, y);
-            Q_EMIT q->MouseMove();
-        }
-        return false;
+        // The order of the two move events differs by part, as hosts have always seen it.
+        if (part == d->dateLong)
+            Q_EMIT MouseMove();
+        Q_EMIT MouseMoveXY(args.Button, args.Shift, args.X, args.Y);
+        if (part == d->dateView || part == d->dateLongUD)
+            Q_EMIT MouseMove();
+        break;
     case QEvent::MouseButtonPress:
     case QEvent::MouseButtonDblClick:
-        Q_EMIT q->MouseDown(button, shift, x, y);
-        if (child == dateLong && button == RightButtonCode) {
-            popUpMenu(event->globalPosition().toPoint(), false);
-            return true;
+        Q_EMIT MouseDown(args.Button, args.Shift, args.X, args.Y);
+        if (part == d->dateLong && args.Button == RightButtonCode)
+            d->popUpMenu(global, false);
+        if (part == d->dateLongUD && d->model.isAll()) {
+            attempt([&] { d->dateView->setCustomFormat(d->customFormat); });
+            if (const auto days = RelativeDate::daysFromToday(d->dateView->Value(), d->today()))
+                d->setDateLongText(QString::number(*days));
         }
-        if (child == dateLongUD && model.isAll()) {
-            attempt([&] { dateView->setCustomFormat(customFormat); });
-            if (const auto days = RelativeDate::daysFromToday(dateView->Value(), today()))
-                setDateLongText(QString::number(*days));
-        }
-        return false;
+        break;
     case QEvent::MouseButtonRelease:
-        Q_EMIT q->MouseUp(button, shift, x, y);
-        if ((child == dateLongUD || child == dateView) && button == RightButtonCode) {
-            popUpMenu(event->globalPosition().toPoint(), true);
-            return true;
-        }
-        return false;
+        Q_EMIT MouseUp(args.Button, args.Shift, args.X, args.Y);
+        if ((part == d->dateLongUD || part == d->dateView) && args.Button == RightButtonCode)
+            d->popUpMenu(global, true);
+        break;
     default:
-        return false;
+        break;
     }
 }
 
@@ -253,20 +249,6 @@ bool RelDatePrivate::eventFilter(QObject *watched, QEvent *event)
     case QEvent::ContextMenu:
         // The widgets' own edit menus would cover the control's menu.
         return true;
-    case QEvent::MouseMove:
-    case QEvent::MouseButtonPress:
-    case QEvent::MouseButtonDblClick:
-    case QEvent::MouseButtonRelease: {
-        auto *mouse = static_cast<QMouseEvent *>(event);
-        // A mouse event that a widget ignores travels on to its parents: report it once.
-        if (lastMouseType == event->type() && lastMouseTime == mouse->timestamp()
-            && lastMousePos == mouse->globalPosition())
-            return false;
-        lastMouseType = event->type();
-        lastMouseTime = mouse->timestamp();
-        lastMousePos = mouse->globalPosition();
-        return mouseEvent(child, static_cast<QWidget *>(watched), mouse);
-    }
     case QEvent::KeyPress:
         if (watched == QApplication::focusWidget())
             return keyPressed(static_cast<QKeyEvent *>(event));
@@ -289,6 +271,9 @@ QWidget *RelDatePrivate::namedChildOf(QObject *watched) const
     return nullptr;
 }
 
+// Keys and focus reach the control from every widget of a part; the mouse only from the widgets
+// that take it, since a mouse event that a widget ignores travels on to its parent and would be
+// reported twice.
 void RelDatePrivate::watchChild(QWidget *child)
 {
     QList<QWidget *> widgets = child->findChildren<QWidget *>();
@@ -297,7 +282,11 @@ void RelDatePrivate::watchChild(QWidget *child)
         if (widget->window() != child->window())
             continue; // the picker's calendar is a window of its own
         widget->installEventFilter(this);
-        widget->setMouseTracking(true);
+        if (!widget->findChild<QWidget *>() || widget == chRel
+            || qobject_cast<QAbstractSpinBox *>(widget)) {
+            widget->setMouseTracking(true);
+            q->forwardMouse(widget);
+        }
     }
 }
 

@@ -1,5 +1,5 @@
 #include <zelkon/common/conversions.h>
-#include <zelkon/common/ignoreerrors.h>
+#include <zelkon/common/ignoreerrors_p.h>
 #include <zelkon/reldate/reldate_p.h>
 
 #include <QScopedValueRollback>
@@ -105,7 +105,7 @@ QString RelDatePrivate::livePartnerName(QString &field, const QString &property)
 {
     if (!field.isEmpty() && !findPartner(field)) {
         field.clear();
-        Q_EMIT q->PropertyChanged(property);
+        q->notifyPut(property);
     }
     return field;
 }
@@ -114,7 +114,7 @@ void RelDatePrivate::putPartnerName(QString &field, const QString &name, const Q
 {
     field = findPartner(name) ? name : QString();
     synchronizeValue();
-    Q_EMIT q->PropertyChanged(property);
+    q->notifyPut(property);
 }
 
 } // namespace zelkon

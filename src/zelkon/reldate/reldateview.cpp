@@ -1,9 +1,9 @@
 #include <zelkon/common/conversions.h>
 #include <zelkon/common/datepicker.h>
-#include <zelkon/common/extent.h>
-#include <zelkon/common/ignoreerrors.h>
+#include <zelkon/common/extent_p.h>
+#include <zelkon/common/ignoreerrors_p.h>
 #include <zelkon/common/propertybag.h>
-#include <zelkon/common/strings.h>
+#include <zelkon/common/strings_p.h>
 #include <zelkon/common/updown.h>
 #include <zelkon/common/variants.h>
 #include <zelkon/reldate/reldate_p.h>
@@ -11,10 +11,8 @@
 #include <QAction>
 #include <QCheckBox>
 #include <QLineEdit>
-#include <QPainter>
 #include <QScopedValueRollback>
 #include <QStyle>
-#include <QStyleOptionFrame>
 
 namespace zelkon {
 
@@ -85,17 +83,9 @@ void RelDatePrivate::refreshView()
 
 // ---- layout ---------------------------------------------------------------------------------
 
-int RelDatePrivate::frameWidth() const
-{
-    if (border == 0)
-        return 0;
-    return appearance == 0 ? 1 : 2;
-}
-
 void RelDatePrivate::layoutWidgets()
 {
-    const int frame = frameWidth();
-    q->setContentsMargins(frame, frame, frame, frame);
+    // The frame of Border and Appearance lies around the contents rectangle.
     surface->setGeometry(q->contentsRect());
     const QRect client = surface->rect();
     // The box takes the style's indicator size, centred in a slot with half the style's label
@@ -160,25 +150,6 @@ void RelDate::showEvent(QShowEvent *event)
     Control::showEvent(event);
 }
 
-void RelDate::paintEvent(QPaintEvent *)
-{
-    const int frame = d->frameWidth();
-    if (frame == 0)
-        return;
-    QPainter painter(this);
-    if (frame == 1) {
-        painter.setPen(palette().color(QPalette::WindowText));
-        painter.drawRect(rect().adjusted(0, 0, -1, -1));
-        return;
-    }
-    QStyleOptionFrame option;
-    option.initFrom(this);
-    option.lineWidth = frame;
-    option.midLineWidth = 0;
-    option.state |= QStyle::State_Sunken;
-    style()->drawPrimitive(QStyle::PE_Frame, &option, &painter, this);
-}
-
 void RelDatePrivate::updateAccessibleNames()
 {
     // The host's name for the control names the date itself and leads the names of the other
@@ -226,8 +197,8 @@ void RelDatePrivate::writeProperties(PropertyBag &bag)
         [&] { bag.WriteProperty(QStringLiteral("MinDate"), q->MinDate(), defaultMinDate); },
         [&] { bag.WriteProperty(QStringLiteral("UpDown"), q->UpDown(), false); },
         [&] { writeExtent(*q, bag); },
-        [&] { bag.WriteProperty(QStringLiteral("Border"), border, qint32(1)); },
-        [&] { bag.WriteProperty(QStringLiteral("Appearance"), appearance, qint32(1)); },
+        [&] { bag.WriteProperty(QStringLiteral("Border"), q->Border(), qint32(1)); },
+        [&] { bag.WriteProperty(QStringLiteral("Appearance"), q->Appearance(), qint32(1)); },
     });
 }
 
@@ -251,9 +222,9 @@ void RelDatePrivate::readProperties(PropertyBag &bag)
             date = RelativeDate::isAll(saved) ? saved : QVariant(CDate(saved));
         },
         [&] { checkBoxState = CLng(read("CheckBoxState", qint32(rbsNotVisible))); },
-        [&] { border = CLng(read("Border", qint32(1))); },
-        [&] { appearance = CLng(read("Appearance", qint32(1))); },
-        [&] { applyEnabled(CBool(read("Enabled", true))); },
+        [&] { q->setFrameLook(q->frameAppearance(), CLng(read("Border", qint32(1)))); },
+        [&] { q->setFrameLook(CLng(read("Appearance", qint32(1))), q->frameBorder()); },
+        [&] { q->applyEnabled(CBool(read("Enabled", true))); },
         [&] { globalSynchro = CLng(read("GlobalSynchro", qint32(srdNotSynchro))); },
         // Partners may not be loaded yet: the names are checked when they are next read.
         [&] { topControl = CStr(read("TopControl", QString())); },
@@ -294,16 +265,14 @@ void RelDatePrivate::readProperties(PropertyBag &bag)
     layoutWidgets();
 }
 
-} // namespace zelkon
-
-namespace zelkon {
-
 // As high as a one-line field, so that it lines up with the others in a form layout, and wide
 // enough for the picker's date and the box.
 QSize RelDate::sizeHint() const
 {
-    QSize hint = d->dateLong->sizeHint();
-    hint.setWidth(qMax(hint.width(), d->dateView->sizeHint().width()));
+    QSize hint = lineSizeHint(12);
+    const QMargins frame = contentsMargins();
+    hint.setWidth(
+        qMax(hint.width(), d->dateView->sizeHint().width() + frame.left() + frame.right()));
     if (d->checkBoxState == rbsLeft || d->checkBoxState == rbsRight)
         hint.rwidth() += d->checkBoxSlotWidth();
     return hint;
@@ -311,7 +280,7 @@ QSize RelDate::sizeHint() const
 
 QSize RelDate::minimumSizeHint() const
 {
-    return QSize(d->checkBoxSlotWidth() * 3, sizeHint().height());
+    return QSize(lineSizeHint(4).width() + d->checkBoxSlotWidth(), lineSizeHint(4).height());
 }
 
 } // namespace zelkon

@@ -1,4 +1,4 @@
-#include <zelkon/common/testplatform.h>
+#include <zelkon/test/testplatform.h>
 
 namespace zelkon {
 

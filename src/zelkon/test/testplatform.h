@@ -8,7 +8,7 @@
 
 namespace zelkon {
 
-class ZELKON_EXPORT TestPlatform : public Platform
+class TestPlatform : public Platform
 {
 public:
     // Installs itself; the destructor restores the default platform.
