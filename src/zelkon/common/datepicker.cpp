@@ -70,6 +70,14 @@ QString qtFormat(const QString &format)
     return result;
 }
 
+// The edit shows the value's own date and time of day. It holds them as UTC, which has no zone to
+// look up: every local date and time asks the system for its zone, and a local time that falls
+// into a daylight saving gap would be moved.
+QDateTime shown(const QDateTime &value)
+{
+    return QDateTime(value.date(), value.time(), Qt::UTC);
+}
+
 } // namespace
 
 class DatePickerPrivate
@@ -112,6 +120,7 @@ DatePicker::DatePicker(QWidget *parent)
     d->all->setReadOnly(true);
     d->all->setText(allText());
     d->all->hide();
+    d->edit->setTimeSpec(Qt::UTC);
     d->edit->setCalendarPopup(true);
     d->edit->setCorrectionMode(QAbstractSpinBox::CorrectToNearestValue);
 
@@ -124,7 +133,7 @@ DatePicker::DatePicker(QWidget *parent)
         if (d->updating)
             return;
         // The edit shows only the sections of the format; the rest of the value is kept.
-        const QDateTime value = d->clamped(edited);
+        const QDateTime value = d->clamped(QDateTime(edited.date(), edited.time()));
         if (value == d->value)
             return;
         d->value = value;
@@ -294,15 +303,15 @@ bool DatePicker::showsAll() const
 void DatePickerPrivate::showValue()
 {
     const QScopedValueRollback<bool> guard(updating, true);
-    edit->setDateTime(value);
+    edit->setDateTime(shown(value));
 }
 
 void DatePickerPrivate::applyRange()
 {
     const QScopedValueRollback<bool> guard(updating, true);
-    edit->setDateTimeRange(QDateTime(min.date(), QTime(0, 0)),
-                           QDateTime(max.date(), QTime(23, 59, 59, 999)));
-    edit->setDateTime(value);
+    edit->setDateTimeRange(QDateTime(min.date(), QTime(0, 0), Qt::UTC),
+                           QDateTime(max.date(), QTime(23, 59, 59, 999), Qt::UTC));
+    edit->setDateTime(shown(value));
 }
 
 void DatePickerPrivate::applyFormat()
@@ -320,7 +329,7 @@ void DatePickerPrivate::applyFormat()
             edit->setLocale(locale);
             edit->setDisplayFormat(customFormat.isEmpty() ? shortDateFormat(locale)
                                                           : qtFormat(customFormat));
-            edit->setDateTime(value);
+            edit->setDateTime(shown(value));
         }
         edit->show();
         all->hide();

@@ -3,6 +3,8 @@
 #include <zelkon/common/variants.h>
 #include <zelkon/reldate/relativedate.h>
 
+#include <limits>
+
 namespace zelkon {
 
 class RelativeDatePrivate : public QSharedData
@@ -13,17 +15,6 @@ public:
     qint32 dayCount = 0;
     bool allowAll = false;
 };
-
-namespace {
-
-const QString dayInterval = QStringLiteral("d");
-
-QDateTime midnight(const QDate &today)
-{
-    return QDateTime(today, QTime(0, 0));
-}
-
-} // namespace
 
 RelativeDate::RelativeDate()
     : d(new RelativeDatePrivate)
@@ -128,22 +119,29 @@ void RelativeDate::restore(bool relative, qint32 days, const QVariant &date, con
         dayCount(today);
 }
 
+// Counted on calendar days, as DateAdd and DateDiff count the interval "d": a date at midnight
+// is made once, at the end, since every local date and time asks the system for its zone.
 std::optional<QDateTime> RelativeDate::dateFromToday(qint64 days, const QDate &today)
 {
-    try {
-        return DateAdd(dayInterval, double(days), midnight(today));
-    } catch (const Error &) {
+    static const QDate first(100, 1, 1); // the platform's range of dates
+    static const QDate last(9999, 12, 31);
+    if (days < first.toJulianDay() - today.toJulianDay()
+        || days > last.toJulianDay() - today.toJulianDay())
         return std::nullopt;
-    }
+    return QDateTime(today.addDays(days), QTime(0, 0));
 }
 
 std::optional<qint32> RelativeDate::daysFromToday(const QVariant &date, const QDate &today)
 {
+    qint64 days = 0;
     try {
-        return CLng(DateDiff(dayInterval, midnight(today), CDate(date)));
+        days = today.daysTo(CDate(date).date());
     } catch (const Error &) {
         return std::nullopt;
     }
+    if (days < std::numeric_limits<qint32>::min() || days > std::numeric_limits<qint32>::max())
+        return std::nullopt;
+    return qint32(days);
 }
 
 bool RelativeDate::dayCountInRange(qint64 days, const QDate &today, const QDate &min,

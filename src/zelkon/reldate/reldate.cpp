@@ -12,6 +12,7 @@
 #include <QCheckBox>
 #include <QLineEdit>
 #include <QMenu>
+#include <QScopedValueRollback>
 
 #include <limits>
 
@@ -29,9 +30,9 @@ RelDatePrivate::RelDatePrivate(RelDate *control)
     , popUpDate(new QMenu(control))
 { }
 
-QDate RelDatePrivate::today()
+QDate RelDatePrivate::today() const
 {
-    return Platform::current().today();
+    return putDay.isValid() ? putDay : Platform::current().today();
 }
 
 RelDate::RelDate(QWidget *parent)
@@ -150,11 +151,12 @@ void RelDatePrivate::switchMode(bool relative)
     Q_EMIT q->Change();
     q->notifyPut(QStringLiteral("Relative"));
     q->notifyPut(QStringLiteral("RetDate"));
-    refreshView();
+    refreshView(today());
 }
 
 void RelDatePrivate::putDate(const QVariant &value)
 {
+    const QScopedValueRollback<QDate> day(putDay, today());
     if (!RelativeDate::isAll(value)) {
         // The spinner and the picker report these writes as the user's, and their handlers
         // carry them on; the value is then read back, so a date outside the picker's range is
@@ -181,23 +183,21 @@ void RelDatePrivate::putDate(const QVariant &value)
         synchronizeValue();
     }
     q->notifyPut(QStringLiteral("RetDate"));
-    refreshView();
+    refreshView(today());
 }
 
 void RelDatePrivate::putDayCount(qint32 days)
 {
     // The stored date is not written here: the spinner (relative) or the picker (absolute) carries
     // the new count into it through its own change handler.
+    const QScopedValueRollback<QDate> day(putDay, today());
+    const QDate now = putDay;
     model.setDayCount(days);
-    ignoreErrors({
-        [&] { dateLongUD->setValue(days); },
-        [&] {
-            if (const auto date = RelativeDate::dateFromToday(days, today()))
-                dateView->setValue(*date);
-        },
-    });
+    attempt([&] { dateLongUD->setValue(days); });
+    if (const auto date = RelativeDate::dateFromToday(days, now))
+        attempt([&] { dateView->setValue(*date); });
     q->notifyPut(QStringLiteral("RetNum"));
-    refreshView();
+    refreshView(now);
 }
 
 // ---- plain properties -----------------------------------------------------------------------

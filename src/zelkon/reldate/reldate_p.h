@@ -23,7 +23,9 @@ class RelDatePrivate : public QObject
 public:
     explicit RelDatePrivate(RelDate *control);
 
-    static QDate today();
+    // Today's date, read afresh, except inside a put: one put reads it once, so that its steps
+    // agree on the day even when midnight passes between them.
+    QDate today() const;
 
     // The value: the model's rules, and the widgets brought to show it.
     void switchMode(bool relative);
@@ -58,7 +60,7 @@ public:
     void showCheckBox();
     void setDateLongText(const QString &text);
     void showDaysOf(const QDateTime &date);
-    void refreshView();
+    void refreshView(const QDate &now);
     void layoutWidgets();
     void updateAccessibleNames();
     int checkBoxSlotWidth() const;
@@ -94,6 +96,7 @@ public:
     bool dateLongUDGuard = false;
     bool synchronizing = false;
     bool changeAfterMenu = false;
+    QDate putDay;
 };
 
 } // namespace zelkon

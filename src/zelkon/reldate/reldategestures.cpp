@@ -52,7 +52,7 @@ void RelDatePrivate::menuCurrentDateChosen()
         [&] { model.setDayCount(0); },
         [&] { model.setStoredDate(QDateTime(today(), QTime(0, 0))); },
     });
-    refreshView();
+    refreshView(today());
     synchronizeValue();
     Q_EMIT q->Change();
 }

@@ -58,24 +58,27 @@ void RelDatePrivate::showDaysOf(const QDateTime &date)
         dateLongUD->setValue(*days);
 }
 
-void RelDatePrivate::refreshView()
+void RelDatePrivate::refreshView(const QDate &now)
 {
     if (model.isAll()) {
         setDateLongText(allText());
         attempt([&] { dateView->setCustomFormat(allText()); });
         return;
     }
-    const qint32 days = model.dayCount(today());
-    const QVariant date = model.date(today());
+    // Only what the parts show: the model already holds the value.
+    const bool relative = model.isRelative();
+    const qint32 days = relative ? model.storedDayCount() : model.dayCount(now);
     setDateLongText(QString::number(days));
     attempt([&] {
         if (dateView->showsAll())
             dateView->setCustomFormat(customFormat);
-        // Only what the picker shows: the model already holds this value.
-        const QDateTime shown = CDate(date);
-        if (dateView->Value().date() != shown.date()) {
+        const QDate shown = relative ? now.addDays(days) : CDate(model.storedDate()).date();
+        if (dateView->Value().date() != shown) {
             const QSignalBlocker blocker(dateView);
-            dateView->setValue(shown);
+            // An invalid date (a count past the platform's dates) is refused by the picker.
+            dateView->setValue(relative
+                                   ? RelativeDate::dateFromToday(days, now).value_or(QDateTime())
+                                   : CDate(model.storedDate()));
         }
     });
     q->update();
