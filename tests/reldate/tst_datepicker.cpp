@@ -7,6 +7,7 @@
 #include <QLineEdit>
 #include <QSignalSpy>
 #include <QTest>
+#include <QTestEventList>
 
 using namespace zelkon;
 
@@ -177,15 +178,15 @@ void tst_DatePicker::keyDownCanSwallowAKey()
             code = 0;
     });
     QSignalSpy change(shown.picker, &DatePicker::Change);
-    // Shift is a key of its own before Shift+End, which goes to the day section.
-    QTest::keySequence(QApplication::focusWidget(),
-                       QKeySequence::fromString(QStringLiteral("Shift+End, Up, Down")));
-    QCOMPARE(codes, (QList<int>{16, 1, 35, 1, 38, 0, 40, 0}));
-    QCOMPARE(shown.picker->Value(), dt(2024, 5, 9, 15, 30)); // the time of day is kept
-    // Up twice: up to the maximum, then nothing moves.
-    QTest::keySequence(QApplication::focusWidget(),
-                       QKeySequence::fromString(QStringLiteral("Up, Up, Up")));
-    QCOMPARE(shown.picker->Value(), dt(2024, 5, 11, 15, 30));
+    // Shift is a key of its own before Shift+End, which goes to the day section; the first Up is
+    // swallowed, Down moves a day back, and Up moves only up to the maximum.
+    QTestEventList keys;
+    keys.addKeyClick(Qt::Key_End, Qt::ShiftModifier);
+    for (Qt::Key key : {Qt::Key_Up, Qt::Key_Down, Qt::Key_Up, Qt::Key_Up, Qt::Key_Up})
+        keys.addKeyClick(key);
+    keys.simulate(QApplication::focusWidget());
+    QCOMPARE(codes.mid(0, 8), (QList<int>{16, 1, 35, 1, 38, 0, 40, 0}));
+    QCOMPARE(shown.picker->Value(), dt(2024, 5, 11, 15, 30)); // the time of day is kept
     QCOMPARE(change.size(), 3);
 }
 
