@@ -10,7 +10,6 @@
 #include <zelkon/common/formfile.h>
 #include <zelkon/common/memorypropertybag.h>
 #include <zelkon/common/missing.h>
-#include <zelkon/common/numberpattern.h>
 #include <zelkon/common/platform.h>
 #include <zelkon/common/propertybag.h>
 #include <zelkon/common/registry.h>

@@ -6,7 +6,11 @@
 
 #include <QStringList>
 
+#include <memory>
+
 namespace zelkon {
+
+class TestPlatformPrivate;
 
 class TestPlatform : public Platform
 {
@@ -17,30 +21,25 @@ public:
                           QLocale::Language language = QLocale::English);
     ~TestPlatform() override;
 
-    QDate today() const override { return m_today; }
-    QLocale numberLocale() const override { return m_locale; }
-    QLocale::Language uiLanguage() const override { return m_language; }
-    void beep() override { ++m_beeps; }
-    void messageBox(const QString &text) override { m_messages.append(text); }
+    QDate today() const override;
+    QLocale numberLocale() const override;
+    QLocale::Language uiLanguage() const override;
+    void beep() override;
+    void messageBox(const QString &text) override;
     // Records the keys, then moves the focus as the real platform does.
     void sendKeys(const QString &keys) override;
 
-    void setToday(QDate today) { m_today = today; }
-    void setNumberLocale(const QLocale &locale) { m_locale = locale; }
-    void setUiLanguage(QLocale::Language language) { m_language = language; }
+    void setToday(QDate today);
+    void setNumberLocale(const QLocale &locale);
+    void setUiLanguage(QLocale::Language language);
 
-    int beeps() const { return m_beeps; }
-    QStringList messages() const { return m_messages; }
-    QStringList sentKeys() const { return m_keys; }
+    int beeps() const;
+    QStringList messages() const;
+    QStringList sentKeys() const;
     void clearRecords();
 
 private:
-    QDate m_today;
-    QLocale m_locale;
-    QLocale::Language m_language;
-    int m_beeps = 0;
-    QStringList m_messages;
-    QStringList m_keys;
+    std::unique_ptr<TestPlatformPrivate> d;
 };
 
 } // namespace zelkon
