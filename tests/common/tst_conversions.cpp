@@ -1,7 +1,6 @@
 // Conversions under the platform's rules: rounding, overflow, locales, awkward doubles, dates.
 #include <zelkon/common/conversions.h>
 #include <zelkon/common/error.h>
-#include <zelkon/common/numberpattern_p.h>
 #include <zelkon/test/testplatform.h>
 #include <zelkon/common/variants.h>
 

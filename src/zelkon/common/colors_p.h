@@ -48,18 +48,17 @@ constexpr bool isSystemColor(qint64 oleColor)
 
 // The colour itself; a system colour is looked up in `palette` (the application's by default).
 // An unknown system colour index gives an invalid QColor.
-ZELKON_EXPORT QColor toQColor(qint64 oleColor, const QPalette &palette = QPalette());
+QColor toQColor(qint64 oleColor, const QPalette &palette = QPalette());
 // The palette group and role that stand for a system colour index; false for an unknown one.
-ZELKON_EXPORT bool systemColorRole(qint64 oleColor, QPalette::ColorGroup *group,
-                                   QPalette::ColorRole *role);
+bool systemColorRole(qint64 oleColor, QPalette::ColorGroup *group, QPalette::ColorRole *role);
 // 0x00BBGGRR of an opaque colour.
-ZELKON_EXPORT quint32 toOleColor(const QColor &color);
+quint32 toOleColor(const QColor &color);
 // A colour value read back from a property bag or passed by name: any number, its low 32 bits.
 // Throws zelkon::Error 13 for a value that is no number.
-ZELKON_EXPORT quint32 oleColorFromVariant(const QVariant &value);
+quint32 oleColorFromVariant(const QVariant &value);
 
 // Gives `role` of the widget's palette the colour. A system colour follows the widget's default
 // palette, so a widget set back to a system colour looks exactly like one never coloured.
-ZELKON_EXPORT void applyOleColor(QWidget *widget, QPalette::ColorRole role, qint64 oleColor);
+void applyOleColor(QWidget *widget, QPalette::ColorRole role, qint64 oleColor);
 
 } // namespace zelkon

@@ -44,16 +44,16 @@ enum MouseButtonCode : qint16 { LeftButtonCode = 1, RightButtonCode = 2, MiddleB
 
 // Key code of a key press or release (0 for keys the platform has no code for). The letter keys
 // of a layout in another script give the codes of the Latin letters in their places.
-ZELKON_EXPORT int keyCode(const QKeyEvent *event);
+int keyCode(const QKeyEvent *event);
 // The character code a key press types (KeyAscii): 13 for Enter, 8 for Backspace, 27 for Esc,
 // the character otherwise; 0 when the key types nothing.
-ZELKON_EXPORT int keyAscii(const QKeyEvent *event);
+int keyAscii(const QKeyEvent *event);
 // The Qt key of a platform key code (Qt::Key_unknown when none).
-ZELKON_EXPORT int qtKey(int keyCode);
-ZELKON_EXPORT qint16 shiftState(Qt::KeyboardModifiers modifiers);
-ZELKON_EXPORT qint16 mouseButtonCode(Qt::MouseButtons buttons);
+int qtKey(int keyCode);
+qint16 shiftState(Qt::KeyboardModifiers modifiers);
+qint16 mouseButtonCode(Qt::MouseButtons buttons);
 
 // The platform's arguments of a mouse event, in the receiving widget's coordinates.
-ZELKON_EXPORT MouseArgs mouseArgs(const QMouseEvent *event);
+MouseArgs mouseArgs(const QMouseEvent *event);
 
 } // namespace zelkon
