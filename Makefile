@@ -33,7 +33,9 @@ sanitize: deps
 bench: deps
 	cmake -S . -B $(BENCH_BUILD) -DCMAKE_BUILD_TYPE=Release -DZELKON_BUILD_BENCH=ON -DZELKON_BUILD_TESTS=OFF -DZELKON_BUILD_DEMO=OFF
 	cmake --build $(BENCH_BUILD) -j$(JOBS)
-	@for b in $(BENCH_BUILD)/bench/*/bench_*; do [ -x "$$b" ] && QT_QPA_PLATFORM=offscreen "$$b"; done
+	@for b in $(BENCH_BUILD)/bench/*/bench_*; do \
+		if [ -f "$$b" ] && [ -x "$$b" ]; then QT_QPA_PLATFORM=offscreen "$$b" || exit 1; fi; \
+	done
 
 install: build
 	cmake --install $(BUILD)

@@ -2,8 +2,7 @@
 // number written by CStr must read back.
 #include <zelkon/common/conversions.h>
 #include <zelkon/common/error.h>
-#include <zelkon/common/numberpattern.h>
-#include <zelkon/common/testplatform.h>
+#include <zelkon/test/testplatform.h>
 
 #include <cmath>
 #include <cstdint>
@@ -32,8 +31,8 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size)
                 convert(text);
             } catch (const zelkon::Error &) { }
         }
-        (void)zelkon::NumberPattern(text).format(1234.5678);
-        (void)zelkon::NumberPattern(text).format(number);
+        (void)zelkon::Format(1234.5678, text);
+        (void)zelkon::Format(number, text);
         if (std::isfinite(number)) {
             const QString written = zelkon::CStr(number, locale);
             double back = 0;

@@ -2,7 +2,7 @@
 // evaluates against every kind of value.
 #include <zelkon/common/error.h>
 #include <zelkon/common/variants.h>
-#include <zelkon/data/criterion.h>
+#include <zelkon/data/criterion_p.h>
 
 #include <cstdint>
 

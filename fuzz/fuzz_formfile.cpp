@@ -3,7 +3,7 @@
 #include <zelkon/common/control.h>
 #include <zelkon/common/error.h>
 #include <zelkon/common/formfile.h>
-#include <zelkon/common/testplatform.h>
+#include <zelkon/test/testplatform.h>
 
 #include <QApplication>
 #include <QTemporaryDir>

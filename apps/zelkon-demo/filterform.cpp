@@ -1,7 +1,7 @@
 #include "filterform.h"
 
 #include <zelkon/common/control.h>
-#include <zelkon/common/ignoreerrors.h>
+#include <zelkon/common/error.h>
 #include <zelkon/common/memorypropertybag.h>
 #include <zelkon/common/registry.h>
 #include <zelkon/common/variantarray.h>
@@ -127,13 +127,14 @@ void FilterForm::fillFromDatabase(zelkon::Connection *connection)
     if (zelkon::Control *products = control(QStringLiteral("cboProduct"))) {
         // The control opens the command itself; the second field becomes each row's tool tip.
         // Refresh reports a database error to its caller: the form then shows an empty list.
-        zelkon::attempt([&] {
+        try {
             products->setProperty("TypeData", 0);
             products->setProperty("CommandText",
                                   QStringLiteral("SELECT name, id FROM products ORDER BY name"));
             products->setProperty("Connect", QVariant::fromValue<QObject *>(connection));
             QMetaObject::invokeMethod(products, "Refresh");
-        });
+        } catch (const zelkon::Error &) {
+        }
     }
 }
 

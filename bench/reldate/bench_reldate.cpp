@@ -2,7 +2,7 @@
 // doing the same in the same iteration (so that a busy machine slows both alike). The "ratio"
 // counter is the Zelkon time over the bare time.
 #include <zelkon/common/memorypropertybag.h>
-#include <zelkon/common/testplatform.h>
+#include <zelkon/test/testplatform.h>
 #include <zelkon/reldate/reldate.h>
 
 #include "benchratio.h"

@@ -8,15 +8,11 @@
 #include <zelkon/common/conversions.h>
 #include <zelkon/common/error.h>
 #include <zelkon/common/formfile.h>
-#include <zelkon/common/ignoreerrors.h>
 #include <zelkon/common/memorypropertybag.h>
 #include <zelkon/common/missing.h>
-#include <zelkon/common/numberpattern.h>
 #include <zelkon/common/platform.h>
 #include <zelkon/common/propertybag.h>
 #include <zelkon/common/registry.h>
-#include <zelkon/common/strings.h>
-#include <zelkon/common/testplatform.h>
 #include <zelkon/common/variantarray.h>
 #include <zelkon/common/variants.h>
 #include <zelkon/common/version.h>

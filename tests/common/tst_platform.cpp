@@ -1,18 +1,22 @@
 // Platform services, string tables, version, registry, key translation and the spinner.
 #include <zelkon/common/checkclass.h>
 #include <zelkon/common/control.h>
-#include <zelkon/common/keycodes.h>
+#include <zelkon/common/keycodes_p.h>
 #include <zelkon/common/registry.h>
-#include <zelkon/common/strings.h>
-#include <zelkon/common/testplatform.h>
+#include <zelkon/common/strings_p.h>
 #include <zelkon/common/updown.h>
 #include <zelkon/common/version.h>
+#include <zelkon/test/testplatform.h>
 
+#include <QFormLayout>
 #include <QLineEdit>
 #include <QSignalSpy>
+#include <QStyle>
 #include <QTest>
 #include <QToolButton>
 #include <QVBoxLayout>
+
+#include <memory>
 
 using namespace zelkon;
 
@@ -32,6 +36,9 @@ private Q_SLOTS:
     void mouseArguments();
     void upDownClampsAndNotifies();
     void upDownArrows();
+    void controlsInFormLayout();
+    void frameAndEnabled_data();
+    void frameAndEnabled();
 };
 
 void tst_Platform::strings_data()
@@ -232,6 +239,87 @@ void tst_Platform::upDownArrows()
     spinner.setValue(2);
     spinner.stepUp();
     QCOMPARE(spinner.Value(), 0);
+}
+
+void tst_Platform::controlsInFormLayout()
+{
+    // Every control sizes itself for a layout; the one-line ones stand as high as a line edit.
+    const QStringList oneLine
+        = {QStringLiteral("CheckCombo"), QStringLiteral("RelDate"), QStringLiteral("NumEdit")};
+    QWidget form;
+    auto *layout = new QFormLayout(&form);
+    auto *edit = new QLineEdit(&form);
+    layout->addRow(QStringLiteral("Text"), edit);
+    QList<Control *> controls;
+    for (const QString &name : controlClassNames()) {
+        Control *control = createControl(name, &form);
+        control->InitProperties();
+        layout->addRow(name, control);
+        controls << control;
+    }
+    form.show();
+    QVERIFY(QTest::qWaitForWindowExposed(&form));
+    for (Control *control : std::as_const(controls)) {
+        const QString name = QString::fromLatin1(control->metaObject()->className());
+        QVERIFY2(control->sizeHint().isValid() && control->minimumSizeHint().isValid(),
+                 qPrintable(name));
+        QVERIFY2(control->minimumSizeHint().height() <= control->sizeHint().height(),
+                 qPrintable(name));
+        if (oneLine.contains(name.section(QLatin1String("::"), -1)))
+            QCOMPARE(control->height(), edit->height());
+    }
+}
+
+void tst_Platform::frameAndEnabled_data()
+{
+    QTest::addColumn<QString>("className");
+    for (const QString &name : controlClassNames()) {
+        const QMetaObject *meta = nullptr;
+        std::unique_ptr<Control> probe(createControl(name));
+        meta = probe->metaObject();
+        if (meta->indexOfProperty("Border") >= 0 && meta->indexOfProperty("Appearance") >= 0)
+            QTest::newRow(qPrintable(name)) << name;
+    }
+}
+
+void tst_Platform::frameAndEnabled()
+{
+    // Border 0 draws no frame, Appearance 0 a flat line, the default a sunken frame; children
+    // stay inside it. Every put reports the change, also with the value it already has.
+    QFETCH(QString, className);
+    QWidget form;
+    Control *control = createControl(className, &form);
+    control->InitProperties();
+    control->resize(160, 40);
+    form.show();
+    QVERIFY(QTest::qWaitForWindowExposed(&form));
+    QSignalSpy changed(control, &Control::PropertyChanged);
+
+    QVERIFY(control->setProperty("Border", 0));
+    QCOMPARE(control->contentsRect(), control->rect());
+    QVERIFY(control->setProperty("Border", 1));
+    QVERIFY(control->setProperty("Appearance", 0));
+    QCOMPARE(control->contentsRect(), control->rect().adjusted(1, 1, -1, -1));
+    QVERIFY(control->setProperty("Appearance", 1));
+    const int frame = control->style()->pixelMetric(QStyle::PM_DefaultFrameWidth, nullptr, control);
+    QCOMPARE(control->contentsRect(), control->rect().adjusted(frame, frame, -frame, -frame));
+    for (QWidget *child : control->findChildren<QWidget *>(Qt::FindDirectChildrenOnly)) {
+        if (child->isVisible() && !child->isWindow())
+            QVERIFY2(control->contentsRect().contains(child->geometry()),
+                     qPrintable(child->objectName()));
+    }
+    QVERIFY(control->setProperty("Appearance", 1));
+    QVERIFY(control->setProperty("Enabled", false));
+    QVERIFY(!control->property("Enabled").toBool());
+    QVERIFY(control->setProperty("Enabled", false));
+    const QStringList expected
+        = {QStringLiteral("Border"),     QStringLiteral("Border"),     QStringLiteral("Appearance"),
+           QStringLiteral("Appearance"), QStringLiteral("Appearance"), QStringLiteral("Enabled"),
+           QStringLiteral("Enabled")};
+    QStringList names;
+    for (const QList<QVariant> &call : std::as_const(changed))
+        names << call.at(0).toString();
+    QCOMPARE(names, expected);
 }
 
 QTEST_MAIN(tst_Platform)

@@ -1,7 +1,7 @@
 #include <zelkon/common/error.h>
-#include <zelkon/common/testplatform.h>
+#include <zelkon/test/testplatform.h>
 #include <zelkon/common/variants.h>
-#include <zelkon/data/criterion.h>
+#include <zelkon/data/criterion_p.h>
 
 #include <QTest>
 

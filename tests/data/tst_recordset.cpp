@@ -1,10 +1,10 @@
 #include <zelkon/common/error.h>
 #include <zelkon/common/registry.h>
-#include <zelkon/common/testplatform.h>
+#include <zelkon/test/testplatform.h>
 #include <zelkon/common/variants.h>
 #include <zelkon/data/connection.h>
 #include <zelkon/data/recordset.h>
-#include <zelkon/data/recordsetaccess.h>
+#include <zelkon/data/recordsetaccess_p.h>
 
 #include <QSqlDatabase>
 #include <QSqlQuery>

@@ -5,7 +5,7 @@
 #include <zelkon/common/control.h>
 #include <zelkon/common/memorypropertybag.h>
 #include <zelkon/common/registry.h>
-#include <zelkon/common/testplatform.h>
+#include <zelkon/test/testplatform.h>
 #include <zelkon/common/variantarray.h>
 
 #include <QSqlDatabase>

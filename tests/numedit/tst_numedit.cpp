@@ -1,7 +1,7 @@
-#include <zelkon/common/colors.h>
+#include <zelkon/common/colors_p.h>
 #include <zelkon/common/memorypropertybag.h>
 #include <zelkon/common/registry.h>
-#include <zelkon/common/testplatform.h>
+#include <zelkon/test/testplatform.h>
 #include <zelkon/numedit/numedit.h>
 
 #include <QApplication>

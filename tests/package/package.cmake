@@ -9,6 +9,11 @@ foreach(_step
         message(FATAL_ERROR "failed: ${_step}")
     endif()
 endforeach()
+# Only the public headers are installed: internal ones end in _p.h.
+file(GLOB_RECURSE _internal RELATIVE ${WORK_DIR}/prefix ${WORK_DIR}/prefix/include/*_p.h)
+if(_internal)
+    message(FATAL_ERROR "internal headers installed: ${_internal}")
+endif()
 set(ENV{LD_LIBRARY_PATH} "${WORK_DIR}/prefix/lib:$ENV{LD_LIBRARY_PATH}")
 execute_process(COMMAND ${WORK_DIR}/build/consumer RESULT_VARIABLE _result)
 if(NOT _result EQUAL 0)

@@ -1,6 +1,6 @@
 #include <zelkon/common/datepicker.h>
 #include <zelkon/common/error.h>
-#include <zelkon/common/testplatform.h>
+#include <zelkon/test/testplatform.h>
 
 #include <QCalendarWidget>
 #include <QDateTimeEdit>

@@ -1,8 +1,8 @@
 #include <zelkon/common/datepicker.h>
 #include <zelkon/common/memorypropertybag.h>
 #include <zelkon/common/registry.h>
-#include <zelkon/common/strings.h>
-#include <zelkon/common/testplatform.h>
+#include <zelkon/common/strings_p.h>
+#include <zelkon/test/testplatform.h>
 #include <zelkon/common/updown.h>
 #include <zelkon/reldate/reldate.h>
 

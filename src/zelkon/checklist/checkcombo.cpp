@@ -4,13 +4,13 @@
 #include <zelkon/checklist/frmlist_p.h>
 #include <zelkon/common/conversions.h>
 #include <zelkon/common/error.h>
-#include <zelkon/common/extent.h>
-#include <zelkon/common/ignoreerrors.h>
-#include <zelkon/common/keycodes.h>
+#include <zelkon/common/extent_p.h>
+#include <zelkon/common/ignoreerrors_p.h>
+#include <zelkon/common/keycodes_p.h>
 #include <zelkon/common/propertybag.h>
 #include <zelkon/common/registry.h>
 #include <zelkon/common/variants.h>
-#include <zelkon/data/recordsetaccess.h>
+#include <zelkon/data/recordsetaccess_p.h>
 
 #include <QElapsedTimer>
 #include <QKeyEvent>
@@ -27,7 +27,6 @@ ZELKON_REGISTER_CONTROL(CheckCombo);
 
 namespace {
 
-const QString AllText = QStringLiteral("All");
 const QString ListText = QStringLiteral("List");
 
 // A click that takes the activation away from the open popup reaches the field after the popup
@@ -73,7 +72,8 @@ public:
     int dropDownButtonWidth() const;
     void layoutChildren();
     void syncAccessibleNames();
-    void applyLook();
+    // The frame of Border and Appearance is the control's; the children sit inside it.
+    void applyLook(qint32 appearance, qint32 border);
     void setFieldText(const QString &text);
     void setTips(const QVariant &texts);
     // The closed field's text after a change of checks.
@@ -88,8 +88,6 @@ public:
     frmList *listForm = nullptr;
 
     bool allSelect = false;
-    qint32 appearance = 1;
-    qint32 border = 1;
     bool arraySource = false; // the rows came from SArrayData rather than a recordset
     QString commandText;
     QVariant commandType; // Empty until put: the recordset then decides by the text
@@ -105,10 +103,12 @@ CheckCombo::CheckCombo(QWidget *parent)
     : Control(parent)
     , d(std::make_unique<CheckComboPrivate>(this))
 {
-    d->text = new QLineEdit(AllText, this);
+    d->text = new QLineEdit(allText(), this);
     d->text->setObjectName(QStringLiteral("Text"));
     d->text->setMouseTracking(true);
+    d->text->setFrame(false);
     d->text->installEventFilter(this);
+    forwardMouse(d->text);
     // The field is the control's one tab stop and takes the focus given to the control.
     setFocusProxy(d->text);
     setFocusPolicy(d->text->focusPolicy());
@@ -119,6 +119,7 @@ CheckCombo::CheckCombo(QWidget *parent)
     d->button->setFocusPolicy(Qt::NoFocus);
     d->button->setMouseTracking(true);
     d->button->installEventFilter(this);
+    forwardMouse(d->button);
     d->syncAccessibleNames();
 
     d->checkTime = new QTimer(this);
@@ -133,7 +134,7 @@ CheckCombo::CheckCombo(QWidget *parent)
     d->listForm->setActiveList(1);
     d->listForm->loadRows();
 
-    d->applyLook();
+    d->applyLook(1, 1);
     resize(sizeHint());
 }
 
@@ -148,42 +149,42 @@ CheckCombo::~CheckCombo()
 
 void CheckCombo::InitProperties()
 {
-    d->setFieldText(AllText);
+    d->setFieldText(allText());
     d->listForm->setMaxLine(5);
     d->listForm->setDelay(1);
-    QWidget::setEnabled(true);
+    applyEnabled(true);
     d->text->setReadOnly(false);
     d->listForm->setActiveList(1);
     d->listForm->SetInvert(false);
     d->listForm->setSingleCheck(false);
     d->allSelect = false;
-    d->appearance = 1;
-    d->border = 1;
-    d->applyLook();
+    d->applyLook(1, 1);
 }
 
 void CheckCombo::ReadProperties(PropertyBag &bag)
 {
     frmList *form = d->listForm;
+    qint32 appearance = 1;
+    qint32 border = 1;
     const auto read = [&bag](const char *key, const QVariant &defaultValue) {
         return bag.ReadProperty(QString::fromLatin1(key), defaultValue);
     };
     // A damaged value is skipped, so one bad entry does not cost the form its other settings.
     ignoreErrors({
-        [&] { d->setFieldText(CStr(read("Title", AllText))); },
+        [&] { d->setFieldText(CStr(read("Title", allText()))); },
         [&] { form->setMaxLine(CInt(read("MaxLine", qint16(5)))); },
         [&] { form->setDelay(CInt(read("Delay", qint16(1)))); },
-        [&] { QWidget::setEnabled(CBool(read("Enabled", true))); },
+        [&] { applyEnabled(CBool(read("Enabled", true))); },
         [&] { d->text->setReadOnly(!CBool(read("EditEnabled", true))); },
         [&] { form->setActiveList(CBool(read("Sorting", true)) ? 1 : 0); },
         [&] { form->SetInvert(CBool(read("Inv", false))); },
         [&] { form->setSingleCheck(CBool(read("SingleCheck", false))); },
         [&] { d->allSelect = CBool(read("AllSelect", false)); },
-        [&] { d->appearance = CLng(read("Appearance", qint32(1))); },
-        [&] { d->border = CLng(read("Border", qint32(1))); },
+        [&] { appearance = CLng(read("Appearance", qint32(1))); },
+        [&] { border = CLng(read("Border", qint32(1))); },
     });
     readExtent(*this, bag);
-    d->applyLook();
+    d->applyLook(appearance, border);
 }
 
 void CheckCombo::WriteProperties(PropertyBag &bag)
@@ -191,7 +192,7 @@ void CheckCombo::WriteProperties(PropertyBag &bag)
     const auto write = [&bag](const char *key, const QVariant &value, const QVariant &def) {
         bag.WriteProperty(QString::fromLatin1(key), value, def);
     };
-    write("Title", Title(), AllText);
+    write("Title", Title(), allText());
     write("MaxLine", MaxLine(), qint16(5));
     write("Delay", Delay(), qint16(1));
     write("Enabled", Enabled(), true);
@@ -200,8 +201,8 @@ void CheckCombo::WriteProperties(PropertyBag &bag)
     write("Inv", Inv(), false);
     write("SingleCheck", SingleCheck(), false);
     write("AllSelect", d->allSelect, false);
-    write("Appearance", d->appearance, qint32(1));
-    write("Border", d->border, qint32(1));
+    write("Appearance", Appearance(), qint32(1));
+    write("Border", Border(), qint32(1));
     writeExtent(*this, bag);
 }
 
@@ -215,7 +216,7 @@ QString CheckCombo::Title() const
 void CheckCombo::setTitle(const QString &title)
 {
     d->setFieldText(title);
-    Q_EMIT PropertyChanged(QStringLiteral("Title"));
+    notifyPut(QStringLiteral("Title"));
 }
 
 qint16 CheckCombo::MaxLine() const
@@ -226,7 +227,7 @@ qint16 CheckCombo::MaxLine() const
 void CheckCombo::setMaxLine(qint16 rows)
 {
     d->listForm->setMaxLine(rows);
-    Q_EMIT PropertyChanged(QStringLiteral("MaxLine"));
+    notifyPut(QStringLiteral("MaxLine"));
 }
 
 qint16 CheckCombo::Delay() const
@@ -237,18 +238,7 @@ qint16 CheckCombo::Delay() const
 void CheckCombo::setDelay(qint16 milliseconds)
 {
     d->listForm->setDelay(milliseconds);
-    Q_EMIT PropertyChanged(QStringLiteral("Delay"));
-}
-
-bool CheckCombo::Enabled() const
-{
-    return !testAttribute(Qt::WA_ForceDisabled);
-}
-
-void CheckCombo::putEnabled(bool enabled)
-{
-    QWidget::setEnabled(enabled);
-    Q_EMIT PropertyChanged(QStringLiteral("Enabled"));
+    notifyPut(QStringLiteral("Delay"));
 }
 
 QFont CheckCombo::Font() const
@@ -263,7 +253,7 @@ void CheckCombo::putFont(const QFont &font)
         updateGeometry();
         d->layoutChildren();
     }
-    Q_EMIT PropertyChanged(QStringLiteral("Font"));
+    notifyPut(QStringLiteral("Font"));
 }
 
 bool CheckCombo::EditEnabled() const
@@ -274,7 +264,7 @@ bool CheckCombo::EditEnabled() const
 void CheckCombo::setEditEnabled(bool enabled)
 {
     d->text->setReadOnly(!enabled);
-    Q_EMIT PropertyChanged(QStringLiteral("EditEnabled"));
+    notifyPut(QStringLiteral("EditEnabled"));
 }
 
 bool CheckCombo::Sorting() const
@@ -285,7 +275,7 @@ bool CheckCombo::Sorting() const
 void CheckCombo::setSorting(bool sorting)
 {
     d->listForm->setActiveList(sorting ? 1 : 0);
-    Q_EMIT PropertyChanged(QStringLiteral("Sorting"));
+    notifyPut(QStringLiteral("Sorting"));
 }
 
 bool CheckCombo::Inv() const
@@ -297,7 +287,7 @@ bool CheckCombo::Inv() const
 void CheckCombo::setInv(bool inverted)
 {
     d->listForm->SetInvert(inverted);
-    Q_EMIT PropertyChanged(QStringLiteral("Inv"));
+    notifyPut(QStringLiteral("Inv"));
 }
 
 bool CheckCombo::SingleCheck() const
@@ -308,7 +298,7 @@ bool CheckCombo::SingleCheck() const
 void CheckCombo::setSingleCheck(bool single)
 {
     d->listForm->setSingleCheck(single);
-    Q_EMIT PropertyChanged(QStringLiteral("SingleCheck"));
+    notifyPut(QStringLiteral("SingleCheck"));
 }
 
 bool CheckCombo::AllSelect() const
@@ -318,69 +308,61 @@ bool CheckCombo::AllSelect() const
 
 void CheckCombo::setAllSelect(bool allSelect)
 {
-    d->allSelect = allSelect;
-    Q_EMIT PropertyChanged(QStringLiteral("AllSelect"));
+    put(d->allSelect, allSelect, QStringLiteral("AllSelect"));
 }
 
 qint32 CheckCombo::Appearance() const
 {
-    return d->appearance;
+    return frameAppearance();
 }
 
 void CheckCombo::setAppearance(qint32 appearance)
 {
-    if (appearance != d->appearance) {
-        d->appearance = appearance;
-        d->applyLook();
-    }
-    Q_EMIT PropertyChanged(QStringLiteral("Appearance"));
+    if (appearance != Appearance())
+        d->applyLook(appearance, Border());
+    notifyPut(QStringLiteral("Appearance"));
 }
 
 qint32 CheckCombo::Border() const
 {
-    return d->border;
+    return frameBorder();
 }
 
 void CheckCombo::setBorder(qint32 border)
 {
-    if (border != d->border) {
-        d->border = border;
-        d->applyLook();
-    }
-    Q_EMIT PropertyChanged(QStringLiteral("Border"));
+    if (border != Border())
+        d->applyLook(Appearance(), border);
+    notifyPut(QStringLiteral("Border"));
 }
 
 void CheckCombo::setLeft(float left)
 {
     attempt([&] { move(toPixels(left), y()); });
-    Q_EMIT PropertyChanged(QStringLiteral("Left"));
+    notifyPut(QStringLiteral("Left"));
 }
 
 void CheckCombo::setTop(float top)
 {
     attempt([&] { move(x(), toPixels(top)); });
-    Q_EMIT PropertyChanged(QStringLiteral("Top"));
+    notifyPut(QStringLiteral("Top"));
 }
 
 void CheckCombo::setHeight(float height)
 {
     attempt([&] { resize(width(), qMax(0, toPixels(height))); });
-    Q_EMIT PropertyChanged(QStringLiteral("Height"));
+    notifyPut(QStringLiteral("Height"));
 }
 
 void CheckCombo::setWidth(float width)
 {
     attempt([&] { resize(qMax(0, toPixels(width)), height()); });
-    Q_EMIT PropertyChanged(QStringLiteral("Width"));
+    notifyPut(QStringLiteral("Width"));
 }
 
-void CheckComboPrivate::applyLook()
+void CheckComboPrivate::applyLook(qint32 appearance, qint32 border)
 {
-    // Border 0: no frame. Appearance 0: a flat single line instead of the sunken frame.
-    text->setFrame(border != 0);
-    text->setStyleSheet(border != 0 && appearance == 0
-                            ? QStringLiteral("QLineEdit { border: 1px solid palette(shadow); }")
-                            : QString());
+    q->setFrameLook(appearance, border);
+    layoutChildren();
 }
 
 void CheckCombo::resizeEvent(QResizeEvent *event)
@@ -399,19 +381,18 @@ int CheckComboPrivate::dropDownButtonWidth() const
 
 QSize CheckCombo::sizeHint() const
 {
-    const QSize field = d->text->sizeHint();
-    return QSize(field.width() + d->dropDownButtonWidth(), field.height());
+    // As high as a line edit and as wide as one of its usual width, with the button beside.
+    return lineSizeHint(17) + QSize(d->dropDownButtonWidth(), 0);
 }
 
 QSize CheckCombo::minimumSizeHint() const
 {
-    const QSize field = d->text->minimumSizeHint();
-    return QSize(field.width() + d->dropDownButtonWidth(), field.height());
+    return lineSizeHint(1) + QSize(d->dropDownButtonWidth(), 0);
 }
 
 void CheckComboPrivate::layoutChildren()
 {
-    const QRect client = q->rect();
+    const QRect client = q->contentsRect();
     const int buttonWidth = dropDownButtonWidth();
     button->setGeometry(client.right() + 1 - buttonWidth, client.top(), buttonWidth,
                         client.height());
@@ -449,7 +430,7 @@ CheckCombo::ExDate CheckCombo::TypeData() const
 void CheckCombo::setTypeData(ExDate type)
 {
     d->listForm->setTypeData(type);
-    Q_EMIT PropertyChanged(QStringLiteral("TypeData"));
+    notifyPut(QStringLiteral("TypeData"));
 }
 
 QVariant CheckCombo::SArrayData() const
@@ -474,12 +455,12 @@ void CheckCombo::setSArrayData(const QVariant &array)
         form->GetChecked();
     const QVariantList checked = elementsOf(form->CheckedTexts());
     if (checked.isEmpty())
-        d->setFieldText(AllText);
+        d->setFieldText(allText());
     else if (checked.size() > 1)
         d->setFieldText(ListText);
     else
         d->setFieldText(CStr(checked.first()));
-    Q_EMIT PropertyChanged(QStringLiteral("SArrayData"));
+    notifyPut(QStringLiteral("SArrayData"));
 }
 
 QObject *CheckCombo::RecordsetData() const
@@ -502,7 +483,7 @@ void CheckCombo::setRecordsetData(QObject *recordset)
     form->setCheckedTexts(saved);
     form->RepairCheck();
     attempt([&] { form->setFieldTips(RecordsetAccess(recordset).fieldCount() >= 2); });
-    Q_EMIT PropertyChanged(QStringLiteral("RecordsetData"));
+    notifyPut(QStringLiteral("RecordsetData"));
 }
 
 QString CheckCombo::CommandText() const
@@ -512,8 +493,7 @@ QString CheckCombo::CommandText() const
 
 void CheckCombo::setCommandText(const QString &text)
 {
-    d->commandText = text;
-    Q_EMIT PropertyChanged(QStringLiteral("CommandText"));
+    put(d->commandText, text, QStringLiteral("CommandText"));
 }
 
 qint32 CheckCombo::CommandType() const
@@ -524,7 +504,7 @@ qint32 CheckCombo::CommandType() const
 void CheckCombo::setCommandType(qint32 type)
 {
     d->commandType = QVariant(type);
-    Q_EMIT PropertyChanged(QStringLiteral("CommandType"));
+    notifyPut(QStringLiteral("CommandType"));
 }
 
 QObject *CheckCombo::Connect() const
@@ -535,7 +515,7 @@ QObject *CheckCombo::Connect() const
 void CheckCombo::setConnect(QObject *connection)
 {
     d->connection = connection;
-    Q_EMIT PropertyChanged(QStringLiteral("Connect"));
+    notifyPut(QStringLiteral("Connect"));
     Refresh();
 }
 
@@ -585,7 +565,7 @@ void CheckCombo::setArrayChecked(QVariant &texts)
     d->listForm->RepairCheck();
     texts = d->listForm->CheckedTexts();
     d->showChecks(texts);
-    Q_EMIT PropertyChanged(QStringLiteral("ArrayChecked"));
+    notifyPut(QStringLiteral("ArrayChecked"));
 }
 
 void CheckCombo::setArrayChecked(const QVariant &texts)
@@ -600,7 +580,7 @@ void CheckCombo::setArrayCheckedID(QVariant &ids)
     d->listForm->RepairCheckID();
     ids = d->listForm->CheckedIDs();
     d->showChecks(d->listForm->CheckedTexts());
-    Q_EMIT PropertyChanged(QStringLiteral("ArrayCheckedID"));
+    notifyPut(QStringLiteral("ArrayCheckedID"));
 }
 
 void CheckCombo::setArrayCheckedID(const QVariant &ids)
@@ -619,7 +599,7 @@ void CheckCombo::setArrayVisible(const QVariant &rows)
     // Applied at the next rebuild (a load or the Show/Hide dialog), not now: hosts set it before
     // loading the rows it refers to.
     d->listForm->setArVis(rows);
-    Q_EMIT PropertyChanged(QStringLiteral("ArrayVisible"));
+    notifyPut(QStringLiteral("ArrayVisible"));
 }
 
 void CheckCombo::SelectAll()
@@ -644,7 +624,7 @@ void CheckCombo::SelectAll()
     }
     d->listForm->setCheckedTexts(texts);
     d->listForm->RepairCheck();
-    d->setFieldText(AllText);
+    d->setFieldText(allText());
 }
 
 void CheckCombo::ClearAll()
@@ -655,7 +635,7 @@ void CheckCombo::ClearAll()
 
 void CheckComboPrivate::setTips(const QVariant &texts)
 {
-    QString tip = AllText;
+    QString tip = allText();
     if (!IsEmpty(texts)) {
         QStringList parts;
         for (const QVariant &value : elementsOf(texts)) {
@@ -673,7 +653,7 @@ QString CheckComboPrivate::fieldTextFor(const QVariant &texts) const
 {
     const QVariantList checked = elementsOf(texts);
     if (checked.isEmpty())
-        return AllText;
+        return allText();
     if (checked.size() == 1) {
         QString one;
         attempt([&] { one = CStr(checked.first()); });
@@ -682,11 +662,11 @@ QString CheckComboPrivate::fieldTextFor(const QVariant &texts) const
     const qint32 upper = qint32(checked.size()) - 1;
     if (!arraySource) {
         // Rows from a recordset: every loaded row checked is no restriction at all.
-        return checked.size() == listForm->snapshotRows() ? AllText : ListText;
+        return checked.size() == listForm->snapshotRows() ? allText() : ListText;
     }
     qint32 sourceUpper = -1;
     attempt([&] { sourceUpper = UBound(listForm->SourceArray(), listForm->SourceIs2D() ? 2 : 1); });
-    return upper == sourceUpper ? AllText : ListText;
+    return upper == sourceUpper ? allText() : ListText;
 }
 
 // The drop-down ---------------------------------------------------------------------------------
@@ -785,30 +765,33 @@ bool CheckCombo::eventFilter(QObject *watched, QEvent *event)
             return true;
         }
         break;
+    default:
+        break;
+    }
+    return Control::eventFilter(watched, event);
+}
+
+void CheckCombo::childMouseEvent(QWidget *, QEvent::Type type, MouseArgs &args)
+{
+    switch (type) {
     case QEvent::MouseButtonPress:
     case QEvent::MouseButtonDblClick: {
-        MouseArgs args = mouseArgs(static_cast<QMouseEvent *>(event));
         Q_EMIT MouseDown(args.Button, args.Shift, args.X, args.Y);
         const bool closedByThisClick = d->leftAt.isValid() && d->leftAt.elapsed() < ReopenGuardMs;
         if (args.Button == LeftButtonCode && !d->listOpen && !closedByThisClick)
             d->openList();
         break;
     }
-    case QEvent::MouseButtonRelease: {
-        MouseArgs args = mouseArgs(static_cast<QMouseEvent *>(event));
+    case QEvent::MouseButtonRelease:
         Q_EMIT MouseUp(args.Button, args.Shift, args.X, args.Y);
         break;
-    }
-    case QEvent::MouseMove: {
-        MouseArgs args = mouseArgs(static_cast<QMouseEvent *>(event));
+    case QEvent::MouseMove:
         Q_EMIT MouseMove();
         Q_EMIT MouseMoveXY(args.Button, args.Shift, args.X, args.Y);
         break;
-    }
     default:
         break;
     }
-    return Control::eventFilter(watched, event);
 }
 
 } // namespace zelkon

@@ -62,10 +62,8 @@ public:
     void setMaxLine(qint16 rows);
     qint16 Delay() const;
     void setDelay(qint16 milliseconds);
-    // Enabled and Font keep their names for hosts that reach them by name; their C++ setters are
-    // named so that they do not hide QWidget::setEnabled and QWidget::setFont.
-    bool Enabled() const;
-    void putEnabled(bool enabled);
+    // Font keeps its name for hosts that reach it by name; its C++ setter is named so that it
+    // does not hide QWidget::setFont. Enabled is the shell's.
     QFont Font() const;
     void putFont(const QFont &font);
     bool EditEnabled() const;
@@ -142,6 +140,7 @@ protected:
     QSize minimumSizeHint() const override;
     void resizeEvent(QResizeEvent *event) override;
     bool eventFilter(QObject *watched, QEvent *event) override;
+    void childMouseEvent(QWidget *child, QEvent::Type type, MouseArgs &args) override;
 
 private:
     friend class CheckComboPrivate;

@@ -4,10 +4,10 @@
 #include <zelkon/checklist/checklistview_p.h>
 #include <zelkon/common/conversions.h>
 #include <zelkon/common/error.h>
-#include <zelkon/common/ignoreerrors.h>
-#include <zelkon/common/strings.h>
+#include <zelkon/common/ignoreerrors_p.h>
+#include <zelkon/common/strings_p.h>
 #include <zelkon/common/variants.h>
-#include <zelkon/data/recordsetaccess.h>
+#include <zelkon/data/recordsetaccess_p.h>
 #include <zelkon/dropdown/frmshowhide_p.h>
 
 #include <QAction>
@@ -22,8 +22,6 @@
 namespace zelkon {
 
 namespace {
-
-const QString AllText = QStringLiteral("All");
 
 // The elements of a one-dimensional array in index order. Any other single value stands for
 // itself; an array of more dimensions has no element that a one-index lookup could read.
@@ -331,7 +329,7 @@ void frmList::GetChecked()
         }
     }
     if (texts.isEmpty()) {
-        m_checkedTexts = QVariantList{AllText};
+        m_checkedTexts = QVariantList{allText()};
         m_checkedIDs = QVariant();
     } else {
         m_checkedTexts = std::move(texts);
@@ -349,7 +347,7 @@ void frmList::RepairCheck()
         std::vector<bool> marks(size_t(rows), false);
         int newest = -1;
         // A lone "All" means that nothing is checked; among several texts it is a row's text.
-        const bool nothing = wanted.size() == 1 && wanted.first() == QVariant(AllText);
+        const bool nothing = wanted.size() == 1 && wanted.first() == QVariant(allText());
         if (!nothing && !wanted.isEmpty()) {
             // Each text checks the first row that has it; the newest check is the row of the
             // last text that matched.

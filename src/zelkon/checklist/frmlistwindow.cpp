@@ -5,9 +5,9 @@
 #include <zelkon/checklist/checklistview_p.h>
 
 #include <zelkon/common/conversions.h>
-#include <zelkon/common/ignoreerrors.h>
-#include <zelkon/common/keycodes.h>
-#include <zelkon/data/recordsetaccess.h>
+#include <zelkon/common/ignoreerrors_p.h>
+#include <zelkon/common/keycodes_p.h>
+#include <zelkon/data/recordsetaccess_p.h>
 
 #include <QAction>
 #include <QApplication>

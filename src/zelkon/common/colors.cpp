@@ -1,4 +1,4 @@
-#include <zelkon/common/colors.h>
+#include <zelkon/common/colors_p.h>
 #include <zelkon/common/conversions.h>
 #include <zelkon/common/error.h>
 

@@ -1,22 +1,28 @@
-// zelkon::Control: the base of every Zelkon control (container services, persistence, version).
+// zelkon::Control: the base of every Zelkon control (container services, persistence, version)
+// and the shell that every control shares: frame, Enabled, mouse forwarding, the put rule.
 #pragma once
 
 #include <zelkon/common/global.h>
+#include <zelkon/common/mouseargs.h>
 
+#include <QEvent>
 #include <QVariant>
 #include <QWidget>
+
+#include <memory>
 
 namespace zelkon {
 
 class PropertyBag;
+class ControlPrivate;
 
 class ZELKON_EXPORT Control : public QWidget
 {
     Q_OBJECT
     Q_PROPERTY(int Index READ Index WRITE setIndex)
-    Q_PROPERTY(bool UserMode READ UserMode WRITE setUserMode)
-    Q_PROPERTY(QVariant Version READ Version)
-    Q_PROPERTY(qint32 hWnd READ hWnd)
+    Q_PROPERTY(bool UserMode READ UserMode WRITE setUserMode DESIGNABLE false)
+    Q_PROPERTY(QVariant Version READ Version DESIGNABLE false)
+    Q_PROPERTY(qint32 hWnd READ hWnd DESIGNABLE false)
 
 public:
     explicit Control(QWidget *parent = nullptr);
@@ -26,14 +32,20 @@ public:
     virtual void ReadProperties(PropertyBag &bag); // a saved form is opened
     virtual void WriteProperties(PropertyBag &bag); // the form is saved
 
-    bool UserMode() const { return m_userMode; }
+    bool UserMode() const;
     void setUserMode(bool runMode);
-    int Index() const { return m_index; }
-    void setIndex(int index) { m_index = index; }
+    int Index() const;
+    void setIndex(int index);
 
     QVariant Version() const;
     // The native window of the control's form, made on demand by the platform; 0 off screen.
     qint32 hWnd() const;
+
+    // "Enabled" of the controls that have it: a control declares
+    // Q_PROPERTY(bool Enabled READ Enabled WRITE putEnabled). The setter is not called setEnabled
+    // so that QWidget::setEnabled, which Qt itself calls, keeps its meaning.
+    bool Enabled() const;
+    void putEnabled(bool enabled);
 
     // The container's control collection: the Control children of a form, in creation order.
     static QList<Control *> formControls(const QWidget *form);
@@ -43,11 +55,54 @@ Q_SIGNALS:
 
 protected:
     // Called when the ambient UserMode changes.
-    virtual void userModeChanged() { }
+    virtual void userModeChanged();
+
+    // What "Enabled" reads and how it is applied; by default the control as a whole.
+    virtual bool enabledState() const;
+    virtual void applyEnabled(bool enabled);
+
+    // Every property put reports the change under the property's name, also when the value is
+    // unchanged: the container marks its form modified on every put, as hosts expect.
+    void notifyPut(const QString &name);
+    // Stores a put value, refreshes the look only when the value changed, and always notifies.
+    template<typename T, typename Refresh>
+    void put(T &field, const T &value, const QString &name, Refresh refresh)
+    {
+        if (!(field == value)) {
+            field = value;
+            refresh();
+        }
+        notifyPut(name);
+    }
+    template<typename T>
+    void put(T &field, const T &value, const QString &name)
+    {
+        put(field, value, name, [] {});
+    }
+
+    // The frame of Border and Appearance, drawn around contentsRect(): border 0 draws none,
+    // appearance 0 a flat line, otherwise the style's sunken frame of a line edit. The contents
+    // margins follow the frame, so children laid out in contentsRect() stay inside it.
+    void setFrameLook(int appearance, int border);
+    int frameAppearance() const;
+    int frameBorder() const;
+
+    // After forwardMouse(child), every mouse press, release, move and double click on the child
+    // reaches childMouseEvent with the platform's arguments in the child's own coordinates.
+    void forwardMouse(QWidget *child);
+    virtual void childMouseEvent(QWidget *child, QEvent::Type type, MouseArgs &args);
+
+    // The size of a one-line control: the height of a framed line edit in this control's font and
+    // style, so that one-line controls share one height in a form layout, and the width of
+    // `chars` average characters.
+    QSize lineSizeHint(int chars) const;
+
+    void paintEvent(QPaintEvent *event) override;
+    void changeEvent(QEvent *event) override;
 
 private:
-    bool m_userMode = true;
-    int m_index = -1;
+    friend class ControlPrivate;
+    std::unique_ptr<ControlPrivate> d;
 };
 
 } // namespace zelkon

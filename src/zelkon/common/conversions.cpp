@@ -1,7 +1,7 @@
 #include <zelkon/common/conversions.h>
 #include <zelkon/common/decimaldigits_p.h>
 #include <zelkon/common/error.h>
-#include <zelkon/common/numberpattern.h>
+#include <zelkon/common/numberpattern_p.h>
 #include <zelkon/common/platform.h>
 #include <zelkon/common/variants.h>
 

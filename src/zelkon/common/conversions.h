@@ -56,7 +56,8 @@ ZELKON_EXPORT QDateTime fromSerialDate(double serial);
 // Removes leading and trailing spaces (only spaces, as the platform's Trim does).
 ZELKON_EXPORT QString Trim(const QString &text);
 
-// Formats a number with a pattern such as "#,##0.00" (see NumberPattern).
+// Formats a number with a pattern such as "#,##0.00": digit placeholders "0" and "#", "." and ","
+// for the separators, literal text around the digits, an optional ";" section for negatives.
 ZELKON_EXPORT QString Format(double value, const QString &pattern);
 
 } // namespace zelkon

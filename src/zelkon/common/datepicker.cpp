@@ -1,6 +1,6 @@
 #include <zelkon/common/datepicker.h>
 #include <zelkon/common/error.h>
-#include <zelkon/common/keycodes.h>
+#include <zelkon/common/keycodes_p.h>
 #include <zelkon/common/platform.h>
 
 #include <QApplication>

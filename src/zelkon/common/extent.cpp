@@ -1,7 +1,7 @@
 #include <zelkon/common/conversions.h>
 #include <zelkon/common/error.h>
-#include <zelkon/common/extent.h>
-#include <zelkon/common/ignoreerrors.h>
+#include <zelkon/common/extent_p.h>
+#include <zelkon/common/ignoreerrors_p.h>
 #include <zelkon/common/propertybag.h>
 
 #include <QWidget>

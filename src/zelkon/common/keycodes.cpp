@@ -1,4 +1,4 @@
-#include <zelkon/common/keycodes.h>
+#include <zelkon/common/keycodes_p.h>
 
 namespace zelkon {
 

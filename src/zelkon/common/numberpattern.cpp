@@ -1,6 +1,6 @@
 #include <zelkon/common/conversions.h>
 #include <zelkon/common/decimaldigits_p.h>
-#include <zelkon/common/numberpattern.h>
+#include <zelkon/common/numberpattern_p.h>
 #include <zelkon/common/platform.h>
 
 #include <cmath>

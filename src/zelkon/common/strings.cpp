@@ -1,5 +1,5 @@
 #include <zelkon/common/platform.h>
-#include <zelkon/common/strings.h>
+#include <zelkon/common/strings_p.h>
 
 #include <QFile>
 #include <QHash>

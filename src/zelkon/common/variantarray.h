@@ -5,9 +5,12 @@
 
 #include <QList>
 #include <QMetaType>
+#include <QSharedDataPointer>
 #include <QVariant>
 
 namespace zelkon {
+
+class VariantArrayData;
 
 struct Bounds
 {
@@ -26,30 +29,33 @@ class ZELKON_EXPORT VariantArray
 {
 public:
     VariantArray();
+    VariantArray(const VariantArray &other);
+    VariantArray &operator=(const VariantArray &other);
+    ~VariantArray();
     // Every element starts Empty. An upper bound below its lower bound gives an empty dimension;
     // throws Error 9 when a dimension would hold a negative count below -1.
     explicit VariantArray(const QList<Bounds> &dims);
 
-    int dimensions() const { return int(m_dims.size()); }
-    QList<Bounds> bounds() const { return m_dims; }
+    int dimensions() const;
+    QList<Bounds> bounds() const;
     qint32 LBound(int dim = 1) const; // Error 9 past the dimensions
     qint32 UBound(int dim = 1) const;
-    qsizetype size() const { return m_data.size(); }
+    qsizetype size() const;
 
     QVariant &at(const QList<qint32> &indices); // Error 9 out of range
     const QVariant &at(const QList<qint32> &indices) const;
 
     // Elements in storage order (first index fastest).
-    const QList<QVariant> &elements() const { return m_data; }
+    const QList<QVariant> &elements() const;
 
-    friend bool operator==(const VariantArray &a, const VariantArray &b);
+    friend ZELKON_EXPORT bool operator==(const VariantArray &a, const VariantArray &b);
     friend bool operator!=(const VariantArray &a, const VariantArray &b) { return !(a == b); }
 
 private:
     qsizetype offset(const QList<qint32> &indices) const;
 
-    QList<Bounds> m_dims;
-    QList<QVariant> m_data;
+    // An array is a value: a copy shares the elements until one of the two is written to.
+    QSharedDataPointer<VariantArrayData> d;
 };
 
 } // namespace zelkon

@@ -11,6 +11,13 @@
 
 namespace zelkon {
 
+// The text that stands for no restriction: a check list with nothing or everything checked, a
+// date bound that allows any date.
+inline QString allText()
+{
+    return QStringLiteral("All");
+}
+
 inline QVariant emptyVariant()
 {
     return QVariant();

@@ -1,8 +1,8 @@
-#include <zelkon/data/criterion.h>
+#include <zelkon/data/criterion_p.h>
 #include <zelkon/data/dataerror.h>
 
 #include <zelkon/common/conversions.h>
-#include <zelkon/common/ignoreerrors.h>
+#include <zelkon/common/ignoreerrors_p.h>
 #include <zelkon/common/variants.h>
 
 #include <QLocale>

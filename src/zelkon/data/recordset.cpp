@@ -1,5 +1,5 @@
 #include <zelkon/data/connection.h>
-#include <zelkon/data/criterion.h>
+#include <zelkon/data/criterion_p.h>
 #include <zelkon/data/dataerror.h>
 #include <zelkon/data/fields.h>
 #include <zelkon/data/recordset.h>

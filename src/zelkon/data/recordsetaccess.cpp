@@ -1,5 +1,5 @@
 #include <zelkon/data/recordset.h>
-#include <zelkon/data/recordsetaccess.h>
+#include <zelkon/data/recordsetaccess_p.h>
 
 #include <zelkon/common/conversions.h>
 #include <zelkon/common/error.h>

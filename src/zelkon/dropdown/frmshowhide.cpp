@@ -1,7 +1,7 @@
 #include <zelkon/dropdown/frmshowhide_p.h>
 
 #include <zelkon/common/platform.h>
-#include <zelkon/common/strings.h>
+#include <zelkon/common/strings_p.h>
 
 #include <QHBoxLayout>
 #include <QListWidget>

@@ -3,7 +3,7 @@
 #pragma once
 
 #include <zelkon/common/global.h>
-#include <zelkon/common/numberpattern.h>
+#include <zelkon/common/numberpattern_p.h>
 
 #include <QLocale>
 #include <QString>

@@ -1,8 +1,8 @@
-#include <zelkon/common/colors.h>
+#include <zelkon/common/colors_p.h>
 #include <zelkon/common/conversions.h>
-#include <zelkon/common/extent.h>
-#include <zelkon/common/ignoreerrors.h>
-#include <zelkon/common/keycodes.h>
+#include <zelkon/common/extent_p.h>
+#include <zelkon/common/ignoreerrors_p.h>
+#include <zelkon/common/keycodes_p.h>
 #include <zelkon/common/platform.h>
 #include <zelkon/common/propertybag.h>
 #include <zelkon/common/registry.h>

@@ -1,12 +1,12 @@
 #include <zelkon/common/conversions.h>
 #include <zelkon/common/datepicker.h>
-#include <zelkon/common/extent.h>
-#include <zelkon/common/ignoreerrors.h>
-#include <zelkon/common/keycodes.h>
+#include <zelkon/common/extent_p.h>
+#include <zelkon/common/ignoreerrors_p.h>
+#include <zelkon/common/keycodes_p.h>
 #include <zelkon/common/platform.h>
 #include <zelkon/common/propertybag.h>
 #include <zelkon/common/registry.h>
-#include <zelkon/common/strings.h>
+#include <zelkon/common/strings_p.h>
 #include <zelkon/common/updown.h>
 #include <zelkon/reldate/reldate.h>
 

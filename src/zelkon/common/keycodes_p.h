@@ -2,6 +2,7 @@
 #pragma once
 
 #include <zelkon/common/global.h>
+#include <zelkon/common/mouseargs.h>
 
 #include <QKeyEvent>
 #include <QMouseEvent>
@@ -51,15 +52,7 @@ ZELKON_EXPORT int qtKey(int keyCode);
 ZELKON_EXPORT qint16 shiftState(Qt::KeyboardModifiers modifiers);
 ZELKON_EXPORT qint16 mouseButtonCode(Qt::MouseButtons buttons);
 
-// The arguments of the platform's mouse events: for a press or release the button that changed,
-// for a move the buttons held; coordinates are the receiving widget's own.
-struct MouseArgs
-{
-    qint16 Button = 0;
-    qint16 Shift = 0;
-    float X = 0;
-    float Y = 0;
-};
+// The platform's arguments of a mouse event, in the receiving widget's coordinates.
 ZELKON_EXPORT MouseArgs mouseArgs(const QMouseEvent *event);
 
 } // namespace zelkon

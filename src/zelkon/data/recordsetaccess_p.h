@@ -15,7 +15,7 @@ class Recordset;
 // member name (properties and Q_INVOKABLE methods, arguments converted to the declared types).
 // A member the object does not answer raises zelkon::Error 438; a null (or destroyed) object 91.
 // Errors raised by the recordset itself reach the caller unchanged.
-class ZELKON_EXPORT RecordsetAccess
+class RecordsetAccess
 {
 public:
     explicit RecordsetAccess(QObject *recordset = nullptr);

@@ -13,7 +13,7 @@ namespace zelkon {
 // text before and after the digits, and an optional second section after ";" for negative
 // numbers. The value is first taken to 15 significant digits, as the platform does, so 2.675
 // formats as 2.68 with two decimals. Output uses the locale's separators.
-class ZELKON_EXPORT NumberPattern
+class NumberPattern
 {
 public:
     NumberPattern() = default;

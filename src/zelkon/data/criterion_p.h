@@ -15,7 +15,7 @@ namespace zelkon {
 // with % or * at the end (prefix) or at both ends (contains); without them it is equality.
 // Text is compared without regard to case. Null never matches, not even "<>".
 // The criterion is only ever evaluated here, never handed to a database.
-class ZELKON_EXPORT Criterion
+class Criterion
 {
 public:
     enum class Operator { Equal, NotEqual, Less, Greater, LessOrEqual, GreaterOrEqual, Like };

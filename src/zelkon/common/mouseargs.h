@@ -1,0 +1,18 @@
+// zelkon::MouseArgs: the arguments of a control's mouse events, in the platform's codes.
+#pragma once
+
+#include <QtGlobal>
+
+namespace zelkon {
+
+// For a press or release the button that changed, for a move the buttons held (left 1, right 2,
+// middle 4); Shift 1, Ctrl 2, Alt 4; coordinates are the receiving widget's own.
+struct MouseArgs
+{
+    qint16 Button = 0;
+    qint16 Shift = 0;
+    float X = 0;
+    float Y = 0;
+};
+
+} // namespace zelkon
