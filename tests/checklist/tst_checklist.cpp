@@ -77,23 +77,34 @@ QWidget *formOf(const CheckCombo *combo)
     return combo->findChild<QWidget *>(QStringLiteral("frmList"));
 }
 
+// The first child named `name` whose Index is `index`.
+template<typename T>
+T *indexed(const QObject *parent, const char *name, int index)
+{
+    for (T *child : parent->findChildren<T *>(QString::fromLatin1(name))) {
+        if (child->property("Index") == index)
+            return child;
+    }
+    return nullptr;
+}
+
 // The list in use: the "List" whose Index is the popup's ActiveList.
 QAbstractItemView *listOf(const CheckCombo *combo)
 {
-    const QWidget *form = formOf(combo);
-    for (auto *list : form->findChildren<QAbstractItemView *>(QStringLiteral("List"))) {
-        if (list->property("Index") == form->property("ActiveList").toInt())
-            return list;
-    }
-    return nullptr;
+    return indexed<QAbstractItemView>(formOf(combo), "List",
+                                      formOf(combo)->property("ActiveList").toInt());
+}
+
+QAction *menuItem(const CheckCombo *combo, int index)
+{
+    return indexed<QAction>(formOf(combo), "mnuPopup", index);
 }
 
 QStringList rowTexts(const QAbstractItemView *list, bool checkedOnly = false)
 {
     QStringList texts;
-    const QAbstractItemModel *model = list->model();
-    for (int i = 0; i < model->rowCount(); ++i) {
-        const QModelIndex row = model->index(i, 0);
+    for (int i = 0; list->model() && i < list->model()->rowCount(); ++i) {
+        const QModelIndex row = list->model()->index(i, 0);
         if (!checkedOnly || row.data(Qt::CheckStateRole).toInt() == Qt::Checked)
             texts.append(row.data().toString());
     }
@@ -109,15 +120,6 @@ int snapshotRows(const CheckCombo *combo)
 {
     const QVariant all = formOf(combo)->property("AllItems");
     return IsEmpty(all) ? 0 : all.value<VariantArray>().UBound(1) + 1;
-}
-
-QAction *menuItem(const CheckCombo *combo, int index)
-{
-    for (auto *action : formOf(combo)->findChildren<QAction *>(QStringLiteral("mnuPopup"))) {
-        if (action->property("Index") == index)
-            return action;
-    }
-    return nullptr;
 }
 
 // The check box of a row, where a click toggles it.
@@ -136,20 +138,18 @@ void openDatabase(Connection &connection, const QString &database, const QString
         QVERIFY2(q.exec(statement), qPrintable(statement));
 }
 
-// A property bag that notes the keys in the order in which they are read.
-class RecordingBag : public MemoryPropertyBag
-{
-public:
-    QVariant ReadProperty(const QString &name, const QVariant &defaultValue = {}) const override
-    {
-        read.append(name);
-        return MemoryPropertyBag::ReadProperty(name, defaultValue);
-    }
-    mutable QStringList read;
-};
-
 // How checks are given to a loaded list.
-enum class Via { Texts, Ids, Reload, Rebuild, SelectAll, ClearAll };
+enum class Via {
+    Texts,
+    Ids,
+    Reload,
+    Rebuild,
+    SelectAll,
+    ClearAll,
+    SingleTexts,
+    SingleIds,
+    SingleRebuild
+};
 
 } // namespace
 
@@ -199,83 +199,56 @@ private Q_SLOTS:
         m_platform.reset();
     }
 
-    void defaultsAndLayout()
-    {
-        auto *combo
-            = qobject_cast<CheckCombo *>(createControl(QStringLiteral("CheckCombo"), m_host.get()));
-        QVERIFY(combo);
-        m_host->show();
-        QCOMPARE(combo->Title(), QStringLiteral("All"));
-        QCOMPARE(formOf(combo)->property("ActiveList").toInt(), 1);
-        MemoryPropertyBag defaults;
-        combo->move(30, 40);
-        combo->WriteProperties(defaults);
-        QCOMPARE(defaults.keys(), QStringList()); // defaults, position and size store nothing
-
-        // Inside the frame, the button at the right edge, the text filling the rest.
-        auto *button = combo->findChild<QToolButton *>(QStringLiteral("ButDropDown"));
-        combo->resize(200, 24);
-        QCOMPARE(button->geometry().right(), combo->contentsRect().right());
-        QCOMPARE(button->height(), combo->contentsRect().height());
-        QCOMPARE(combo->findChild<QLineEdit *>(QStringLiteral("Text"))->geometry().right() + 1,
-                 button->x());
-    }
-
     // Every put reports the change under the property's name, also when the value is the same;
     // persisted ones survive a save and load, a damaged neighbour costing only itself.
     void puts_data()
     {
         QTest::addColumn<QString>("key");
         QTest::addColumn<QVariant>("value");
-        QTest::addColumn<bool>("persisted");
 
-        const auto row = [](const char *key, const QVariant &value, bool persisted) {
-            QTest::newRow(key) << QString::fromLatin1(key) << value << persisted;
+        const char *persisted[]
+            = {"Title", "MaxLine",     "Delay",     "Enabled",    "EditEnabled", "Sorting",
+               "Inv",   "SingleCheck", "AllSelect", "Appearance", "Border"};
+        const QVariantList values{
+            QStringLiteral("Regions"), 9, 40, false, false, false, true, true, true, 0, 0};
+        for (int i = 0; i < values.size(); ++i)
+            QTest::newRow(persisted[i]) << QString::fromLatin1(persisted[i]) << values.at(i);
+        const auto other = [](const char *key, const QVariant &value) {
+            QTest::newRow(key) << QString::fromLatin1(key) << value;
         };
-        row("Title", QStringLiteral("Regions"), true);
-        row("MaxLine", qint16(9), true);
-        row("Delay", qint16(40), true);
-        row("Enabled", false, true);
-        row("EditEnabled", false, true);
-        row("Sorting", false, true);
-        row("Inv", true, true);
-        row("SingleCheck", true, true);
-        row("AllSelect", true, true);
-        row("Appearance", qint32(0), true);
-        row("Border", qint32(0), true);
-        row("TypeData", QVariant::fromValue(CheckCombo::ArData), false);
-        row("SArrayData", list1({"a", "b"}), false);
-        row("ArrayChecked", list1({"All"}), false);
-        row("ArrayCheckedID", QVariantList{1}, false);
-        row("ArrayVisible", QVariantList{0}, false);
-        row("CommandText", QStringLiteral("SELECT 1"), false);
-        row("CommandType", qint32(1), false);
-        row("Left", 5.0f, false);
-        row("Width", 150.0f, false);
-        row("Font", QFont(QStringLiteral("Serif"), 15), false);
+        other("TypeData", QVariant::fromValue(CheckCombo::ArData));
+        other("SArrayData", list1({"a", "b"}));
+        other("ArrayChecked", list1({"All"}));
+        other("ArrayCheckedID", QVariantList{1});
+        other("ArrayVisible", QVariantList{0});
+        other("CommandText", QStringLiteral("SELECT 1"));
+        other("CommandType", 1);
+        other("Left", 5.0f);
+        other("Width", 150.0f);
+        other("Font", QFont(QStringLiteral("Serif"), 15));
     }
     void puts()
     {
         QFETCH(QString, key);
         QFETCH(QVariant, value);
-        QFETCH(bool, persisted);
 
-        // Given a control; when a property is put twice with the same value
+        // Given a control, whose defaults store nothing; when a property is put twice
         CheckCombo source(m_host.get());
+        MemoryPropertyBag bag;
+        source.WriteProperties(bag);
+        QCOMPARE(bag.keys(), QStringList());
         QSignalSpy changed(&source, &Control::PropertyChanged);
         QVERIFY(source.setProperty(key.toLatin1(), value));
         QVERIFY(source.setProperty(key.toLatin1(), value));
         // then both puts are reported under its name
         QCOMPARE(changed.size(), 2);
         QCOMPARE(changed.at(1).at(0).toString(), key);
-        if (!persisted)
-            return;
-        QCOMPARE(source.property(key.toLatin1()), value);
 
-        MemoryPropertyBag bag;
         source.WriteProperties(bag);
+        if (bag.keys().isEmpty())
+            return; // not persisted
         QCOMPARE(bag.keys(), QStringList(key));
-        QVERIFY(identical(bag.ReadProperty(key), value));
+        QCOMPARE(bag.ReadProperty(key), value);
         const char *damaged = key == QLatin1String("Delay") ? "MaxLine" : "Delay";
         bag.insert(QString::fromLatin1(damaged), QStringLiteral("not a number")); // skipped
         CheckCombo target;
@@ -286,100 +259,49 @@ private Q_SLOTS:
         QCOMPARE(menuItem(&target, 4)->isChecked(), target.Inv());
         QCOMPARE(target.findChild<QLineEdit *>(QStringLiteral("Text"))->isReadOnly(),
                  !target.EditEnabled());
-        QCOMPARE(target.isEnabled(), target.Enabled());
     }
 
-    // Position and size are read one by one, in their order: a damaged one costs only itself.
-    void readPositions_data()
-    {
-        QTest::addColumn<QString>("damaged");
-        for (const char *key : {"", "Left", "Top", "Height", "Width"})
-            QTest::newRow(*key ? key : "none") << QString::fromLatin1(key);
-    }
+    // Position and size are read one by one: a damaged one costs only itself.
     void readPositions()
     {
-        QFETCH(QString, damaged);
-
-        const QStringList keys = sl({"Left", "Top", "Height", "Width"});
-        const QList<float> saved{11, 12, 23, 140};
-        const QList<float> before{1, 2, 20, 100};
-        RecordingBag bag;
-        for (int i = 0; i < keys.size(); ++i)
-            bag.insert(keys.at(i),
-                       keys.at(i) == damaged ? QVariant(QStringLiteral("?"))
-                                             : QVariant(saved.at(i)));
+        MemoryPropertyBag bag;
+        bag.insert(QStringLiteral("Left"), 11.0f);
+        bag.insert(QStringLiteral("Top"), QStringLiteral("?"));
+        bag.insert(QStringLiteral("Height"), 23.0f);
+        bag.insert(QStringLiteral("Width"), 140.0f);
         CheckCombo combo(m_host.get());
         combo.setGeometry(1, 2, 100, 20);
         combo.ReadProperties(bag);
-        QCOMPARE(bag.read,
-                 sl({"Title", "MaxLine", "Delay", "Enabled", "EditEnabled", "Sorting", "Inv",
-                     "SingleCheck", "AllSelect", "Appearance", "Border", "Left", "Top", "Height",
-                     "Width"}));
-        const QList<float> now{combo.Left(), combo.Top(), combo.Height(), combo.Width()};
-        for (int i = 0; i < keys.size(); ++i)
-            QCOMPARE(now.at(i), keys.at(i) == damaged ? before.at(i) : saved.at(i));
+        QCOMPARE(combo.geometry(), QRect(11, 2, 140, 23));
     }
 
-    // What a screen reader reads for each part: the widget named `object` (Index `index` where
-    // two share the name) after the host named the control, typed or as a plain QWidget.
-    void accessibleNames_data()
-    {
-        QTest::addColumn<QString>("hostName");
-        QTest::addColumn<bool>("asQWidget");
-        QTest::addColumn<bool>("open");
-        QTest::addColumn<QString>("object");
-        QTest::addColumn<int>("index");
-        QTest::addColumn<QString>("name");
-        QTest::addColumn<QString>("description");
-
-        const QString none;
-        const QString hint = QStringLiteral("Check/Uncheck Items");
-        QTest::newRow("field unnamed")
-            << none << false << false << "Text" << -1 << "Filter" << none;
-        QTest::newRow("field named by property")
-            << "Regions" << false << false << "Text" << -1 << "Regions" << none;
-        QTest::newRow("field named as QWidget, then focused")
-            << "Regions" << true << false << "Text" << -1 << "Regions" << none;
-        QTest::newRow("button closed")
-            << none << false << false << "ButDropDown" << -1 << "Open list" << none;
-        QTest::newRow("button open")
-            << none << false << true << "ButDropDown" << -1 << "Close list" << none;
-        QTest::newRow("popup") << none << false << true << "frmList" << -1 << "Filter list" << none;
-        QTest::newRow("list") << none << false << true << "List" << 0 << "Rows" << hint;
-        QTest::newRow("sorted list")
-            << none << false << true << "List" << 1 << "Rows, sorted" << hint;
-    }
+    // What a screen reader reads for each part, as the host names the control by property or
+    // as a plain QWidget, and as the list opens.
     void accessibleNames()
     {
-        QFETCH(QString, hostName);
-        QFETCH(bool, asQWidget);
-        QFETCH(bool, open);
-        QFETCH(QString, object);
-        QFETCH(int, index);
-        QFETCH(QString, name);
-        QFETCH(QString, description);
-
         CheckCombo *combo = showCombo();
-        if (asQWidget) { // the field learns the name when it is focused again
-            static_cast<QWidget *>(combo)->setAccessibleName(hostName);
-            combo->findChild<QLineEdit *>(QStringLiteral("Text"))->clearFocus();
-            combo->setFocus();
-        } else if (!hostName.isEmpty()) {
-            combo->setProperty("accessibleName", hostName);
-        }
-        if (open)
-            openAndActivate(combo);
-
-        QWidget *widget = nullptr;
-        for (QWidget *w : combo->findChildren<QWidget *>(object)) {
-            if (!widget && (index < 0 || w->property("Index").toInt() == index))
-                widget = w;
-        }
-        QVERIFY(widget);
-        QAccessibleInterface *accessible = QAccessible::queryAccessibleInterface(widget);
-        QVERIFY(accessible);
-        QCOMPARE(accessible->text(QAccessible::Name), name);
-        QCOMPARE(accessible->text(QAccessible::Description), description);
+        const auto check = [](QObject *object, const char *name, const char *description = "") {
+            QAccessibleInterface *accessible = QAccessible::queryAccessibleInterface(object);
+            QVERIFY(accessible);
+            QCOMPARE(accessible->text(QAccessible::Name), QString::fromUtf8(name));
+            QCOMPARE(accessible->text(QAccessible::Description), QString::fromUtf8(description));
+        };
+        auto *text = combo->findChild<QLineEdit *>(QStringLiteral("Text"));
+        auto *button = combo->findChild<QToolButton *>(QStringLiteral("ButDropDown"));
+        check(text, "Filter");
+        check(button, "Open list");
+        combo->setProperty("accessibleName", QStringLiteral("Regions"));
+        check(text, "Regions");
+        static_cast<QWidget *>(combo)->setAccessibleName(QStringLiteral("Areas"));
+        text->clearFocus();
+        combo->setFocus(); // the field learns the name when it is focused again
+        check(text, "Areas");
+        openAndActivate(combo);
+        check(button, "Close list");
+        check(formOf(combo), "Filter list");
+        const char *hint = "Check/Uncheck Items";
+        check(indexed<QWidget>(formOf(combo), "List", 0), "Rows", hint);
+        check(indexed<QWidget>(formOf(combo), "List", 1), "Rows, sorted", hint);
     }
 
     // The closed field opens from the keyboard as a combo box does; the field is the one tab stop.
@@ -390,8 +312,7 @@ private Q_SLOTS:
         QTest::addColumn<Qt::KeyboardModifiers>("modifiers");
         QTest::addColumn<bool>("opens");
 
-        const Qt::KeyboardModifiers none;
-        const Qt::KeyboardModifiers alt(Qt::AltModifier);
+        const Qt::KeyboardModifiers none, alt(Qt::AltModifier);
         QTest::newRow("F4") << "Text" << Qt::Key_F4 << none << true;
         QTest::newRow("Alt+Down") << "Text" << Qt::Key_Down << alt << true;
         QTest::newRow("Alt+Down on the button") << "ButDropDown" << Qt::Key_Down << alt << true;
@@ -407,16 +328,9 @@ private Q_SLOTS:
 
         auto *before = new QLineEdit(m_host.get());
         CheckCombo *combo = showCombo();
-        auto *after = new QLineEdit(m_host.get());
-        after->move(0, 100);
-        after->show();
         auto *text = combo->findChild<QLineEdit *>(QStringLiteral("Text"));
         before->setFocus();
         QTest::keyClick(before, Qt::Key_Tab);
-        QCOMPARE(QApplication::focusWidget(), text);
-        QTest::keyClick(text, Qt::Key_Tab);
-        QCOMPARE(QApplication::focusWidget(), after);
-        QTest::keyClick(after, Qt::Key_Tab, Qt::ShiftModifier);
         QCOMPARE(QApplication::focusWidget(), text);
 
         QSignalSpy mouseDown(combo, &CheckCombo::MouseDown);
@@ -425,7 +339,7 @@ private Q_SLOTS:
         QCOMPARE(combo->isDroppedDown(), opens);
         QCOMPARE(formOf(combo)->isVisible(), opens);
         QCOMPARE(click.size(), opens ? 1 : 0);
-        QCOMPARE(mouseDown.size(), 0);
+        QCOMPARE(mouseDown.size(), 0); // a key is no mouse press
         if (opens) {
             QVERIFY(QTest::qWaitForWindowActive(formOf(combo)));
             QTest::keyClick(listOf(combo), Qt::Key_Escape);
@@ -464,6 +378,27 @@ private Q_SLOTS:
         row("Null text", false, withNull, sl({"a", "b"}), {0, 0});
         row("bad identifier", false, array2({{"x", 1}, {"y", QStringLiteral("?")}}), sl({"x"}),
             {1});
+        // Long shared beginnings, lengths that differ inside and past the first units compared,
+        // case, non-ASCII letters, empty texts and repeats: ascending by the case folding.
+        QStringList texts;
+        for (int i = 0; i < 300; ++i)
+            texts.append(QStringLiteral("Item %1%2")
+                             .arg((i * 37) % 101)
+                             .arg(QLatin1String(i % 3 ? "" : "a")));
+        texts << QStringLiteral("ITEM 1") << QStringLiteral("item 1") << QStringLiteral("Item 1")
+              << QStringLiteral("Item 10000000000b") << QStringLiteral("Item 10000000000A")
+              << QStringLiteral("Item 100000000000") << QStringLiteral("Item") << QString()
+              << QString::fromUtf8("Ärger") << QString::fromUtf8("ärger") << QStringLiteral("Arg")
+              << QString::fromUtf8("straße") << QStringLiteral("STRASSE")
+              << QString::fromUtf8("Łódź") << QString::fromUtf8("łódź b") << QStringLiteral("Zebra")
+              << QString::fromUtf8("Ωmega");
+        QStringList sorted = texts;
+        std::stable_sort(sorted.begin(), sorted.end(), [](const QString &a, const QString &b) {
+            return a.toCaseFolded() < b.toCaseFolded();
+        });
+        row("sort order", true, list1(texts), sorted, QVariantList(sorted.size(), 0));
+        row("sort order, in order already", true, list1(sorted), sorted,
+            QVariantList(sorted.size(), 0));
         QVariantList many;
         QStringList counted;
         for (int i = 0; i < MaxRows + 2; ++i) {
@@ -486,15 +421,10 @@ private Q_SLOTS:
         combo.setTypeData(CheckCombo::ArData);
         combo.setSArrayData(source);
         QAbstractItemView *list = listOf(&combo);
-        QCOMPARE(list->property("Index").toInt(), sorting ? 1 : 0);
-        for (auto *other :
-             formOf(&combo)->findChildren<QAbstractItemView *>(QStringLiteral("List")))
-            QCOMPARE(other->model() ? other->model()->rowCount() : 0,
-                     other == list ? texts.size() : 0);
         QCOMPARE(rowTexts(list), texts);
-
+        QCOMPARE(rowTexts(indexed<QAbstractItemView>(formOf(&combo), "List", sorting ? 0 : 1)),
+                 QStringList()); // the other list stays empty
         const QVariant all = formOf(&combo)->property("AllItems");
-        QCOMPARE(IsEmpty(all), texts.isEmpty());
         QCOMPARE(snapshotRows(&combo), texts.size());
         QVariantList everyRow;
         for (int i = 0; i < texts.size(); ++i) {
@@ -508,119 +438,75 @@ private Q_SLOTS:
         QVERIFY(IsEmpty(combo.ArrayCheckedID()));
         QCOMPARE(combo.Title(), QStringLiteral("All"));
         QCOMPARE(combo.SArrayData(), source);
-    }
-
-    void sortOrder_data()
-    {
-        QTest::addColumn<QStringList>("texts");
-
-        // Long shared beginnings, lengths that differ inside and past the first units compared,
-        // case, non-ASCII letters, empty texts and repeats.
-        QStringList ascii;
-        for (int i = 0; i < 300; ++i)
-            ascii.append(QStringLiteral("Item %1%2")
-                             .arg((i * 37) % 101)
-                             .arg(QLatin1String(i % 3 ? "" : "a")));
-        ascii << QStringLiteral("ITEM 1") << QStringLiteral("item 1") << QStringLiteral("Item 1")
-              << QStringLiteral("Item 10000000000b") << QStringLiteral("Item 10000000000A")
-              << QStringLiteral("Item 100000000000") << QStringLiteral("Item") << QString();
-        QTest::newRow("ASCII") << ascii;
-        QStringList other = ascii.mid(290);
-        other << QString::fromUtf8("Ärger") << QString::fromUtf8("ärger") << QStringLiteral("Arg")
-              << QString::fromUtf8("straße") << QStringLiteral("STRASSE")
-              << QString::fromUtf8("Łódź") << QString::fromUtf8("łódź b") << QStringLiteral("Zebra")
-              << QString::fromUtf8("Ωmega");
-        QTest::newRow("non-ASCII") << other;
-    }
-    void sortOrder()
-    {
-        QFETCH(QStringList, texts);
-
-        // Ascending without regard to case, texts compared by their case folding; equal texts
-        // keep the order given, also when the list turns sorted after the load.
-        QStringList expected = texts;
-        std::stable_sort(expected.begin(), expected.end(), [](const QString &a, const QString &b) {
-            return a.toCaseFolded() < b.toCaseFolded();
-        });
-        CheckCombo combo;
-        combo.setSArrayData(list1(texts));
-        QCOMPARE(rowTexts(listOf(&combo)), expected);
-        combo.setSArrayData(list1(expected)); // in order already
-        QCOMPARE(rowTexts(listOf(&combo)), expected);
-        combo.setSorting(false);
-        combo.setSArrayData(list1(texts));
-        combo.setSorting(true);
-        QCOMPARE(rowTexts(listOf(&combo)), expected);
+        // Turned unsorted and sorted again, the list shows the rows in the same order.
+        combo.setSorting(!sorting);
+        combo.setSorting(sorting);
+        QCOMPARE(rowTexts(listOf(&combo)), texts);
     }
 
     void restoreChecks_data()
     {
         QTest::addColumn<QVariant>("source");
         QTest::addColumn<Via>("via");
-        QTest::addColumn<bool>("single");
         QTest::addColumn<QVariant>("input");
         QTest::addColumn<QStringList>("checked");
         QTest::addColumn<QVariant>("ids");
         QTest::addColumn<QString>("title");
 
+        using enum Via;
         const QVariant abc = list1({"a", "b", "c"}), abc2 = array2({{"a", 1}, {"b", 2}, {"c", 3}});
-        const auto row = [](const char *name, const QVariant &source, Via via, bool single,
-                            const QVariant &input, const QStringList &checked,
-                            const QVariantList &ids, const char *title) {
-            QTest::newRow(name) << source << via << single << input << checked
-                                << (ids.isEmpty() ? QVariant() : QVariant(ids))
-                                << QString::fromLatin1(title);
-        };
+        const QVariant xyx = list1({"x", "y", "x"});
+        const auto row
+            = [](const char *name, const QVariant &source, Via via, const QVariant &input,
+                 const QStringList &checked, const QVariantList &ids, const char *title) {
+                  QTest::newRow(name)
+                      << source << via << input << checked
+                      << (ids.isEmpty() ? QVariant() : QVariant(ids)) << QString::fromLatin1(title);
+              };
         // By text: each text checks the first row that has it, in list order. The field shows
         // the one text, "List", or "All" when nothing or every row of the source is checked.
-        row("two of three", abc2, Via::Texts, false, list1({"b", "a"}), sl({"a", "b"}), {1, 2},
-            "List");
-        row("every text, 1-D", abc, Via::Texts, false, list1({"c", "a", "b"}), sl({"a", "b", "c"}),
-            {0, 0, 0}, "All");
-        row("every text, 2-D", abc2, Via::Texts, false, list1({"c", "a", "b"}), sl({"a", "b", "c"}),
-            {1, 2, 3}, "All");
-        row("unknown text", abc, Via::Texts, false, list1({"zz"}), {}, {}, "All");
-        row("Empty", abc2, Via::Texts, false, QVariant(), {}, {}, "All");
-        row("lone All checks nothing", list1({"All", "x"}), Via::Texts, false, list1({"All"}), {},
-            {}, "All");
-        row("All among others is a text", list1({"All", "X", "y"}), Via::Texts, false,
-            list1({"All", "X"}), sl({"All", "X"}), {0, 0}, "List");
-        row("first row of a text only", list1({"x", "x", "y", "x"}), Via::Texts, false,
-            list1({"y", "x"}), sl({"x", "y"}), {0, 0}, "List");
-        row("repeated text", list1({"x", "y", "x"}), Via::Texts, false, list1({"x", "x"}),
-            sl({"x"}), {0}, "x");
-        row("number element", list1({"5", "6"}), Via::Texts, false, QVariantList{6}, sl({"6"}), {0},
-            "6");
-        row("Null element skipped", abc2, Via::Texts, false,
-            QVariantList{nullVariant(), QStringLiteral("b")}, sl({"b"}), {2}, "b");
+        row("two of three", abc2, Texts, list1({"b", "a"}), sl({"a", "b"}), {1, 2}, "List");
+        row("every text, 1-D", abc, Texts, list1({"c", "a", "b"}), sl({"a", "b", "c"}), {0, 0, 0},
+            "All");
+        row("every text, 2-D", abc2, Texts, list1({"c", "a", "b"}), sl({"a", "b", "c"}), {1, 2, 3},
+            "All");
+        row("unknown text", abc, Texts, list1({"zz"}), {}, {}, "All");
+        row("Empty", abc2, Texts, QVariant(), {}, {}, "All");
+        row("lone All checks nothing", list1({"All", "x"}), Texts, list1({"All"}), {}, {}, "All");
+        row("All among others is a text", list1({"All", "X", "y"}), Texts, list1({"All", "X"}),
+            sl({"All", "X"}), {0, 0}, "List");
+        row("first row of a text only", list1({"x", "x", "y", "x"}), Texts, list1({"y", "x"}),
+            sl({"x", "y"}), {0, 0}, "List");
+        row("repeated text", xyx, Texts, list1({"x", "x"}), sl({"x"}), {0}, "x");
+        row("number element", list1({"5", "6"}), Texts, QVariantList{6}, sl({"6"}), {0}, "6");
+        row("Null element skipped", abc2, Texts, QVariantList{nullVariant(), QStringLiteral("b")},
+            sl({"b"}), {2}, "b");
         // A rebuild checks every row with a checked text.
-        row("rebuild", list1({"x", "y", "x"}), Via::Rebuild, false, list1({"x"}), sl({"x", "x"}),
-            {0, 0}, "x");
+        row("rebuild", xyx, Rebuild, list1({"x"}), sl({"x", "x"}), {0, 0}, "x");
         // A reload keeps the checks by text (here "b" and "c"), in the new list's order.
-        row("reload", abc, Via::Reload, false, array2({{"c", 3}, {"x", 9}, {"b", 2}, {"a", 1}}),
-            sl({"c", "b"}), {3, 2}, "List");
+        row("reload", abc, Reload, array2({{"c", 3}, {"x", 9}, {"b", 2}, {"a", 1}}), sl({"c", "b"}),
+            {3, 2}, "List");
         // By identifier: the first row of each; the rows of a 1-D array all carry 0.
-        row("identifiers", array2({{"a", 10}, {"b", 20}, {"c", 30}, {"d", 20}}), Via::Ids, false,
+        row("identifiers", array2({{"a", 10}, {"b", 20}, {"c", 30}, {"d", 20}}), Ids,
             QVariantList{30, 20, 99}, sl({"b", "c"}), {20, 30}, "List");
-        row("identifiers of a 1-D array", list1({"p", "q"}), Via::Ids, false, QVariantList{0, 0},
-            sl({"p"}), {0}, "p");
+        row("identifiers of a 1-D array", list1({"p", "q"}), Ids, QVariantList{0, 0}, sl({"p"}),
+            {0}, "p");
         // Under single check the texts or identifiers are checked in turn: the last one wins,
         // also when it was checked before.
-        row("single check, text repeated last", abc, Via::Texts, true, list1({"b", "a", "b"}),
-            sl({"b"}), {0}, "b");
-        row("single check, identifier repeated last", abc2, Via::Ids, true, QVariantList{2, 1, 2},
-            sl({"b"}), {2}, "b");
-        row("single check, rebuild with a text checked twice",
-            array2({{"x", 1}, {"y", 2}, {"x", 3}}), Via::Rebuild, true, {}, sl({"x"}), {3}, "All");
-        row("Select All", array2({{"a", 1}, {"b", 2}, {"a", 3}}), Via::SelectAll, false, {},
-            sl({"a", "b"}), {1, 2}, "All");
-        row("Clear All", abc, Via::ClearAll, false, {}, {}, {}, "All");
+        row("single, text repeated last", abc, SingleTexts, list1({"b", "a", "b"}), sl({"b"}), {0},
+            "b");
+        row("single, identifier repeated last", abc2, SingleIds, QVariantList{2, 1, 2}, sl({"b"}),
+            {2}, "b");
+        row("single, rebuild with a text checked twice", array2({{"x", 1}, {"y", 2}, {"x", 3}}),
+            SingleRebuild, {}, sl({"x"}), {3}, "All");
+        row("Select All", array2({{"a", 1}, {"b", 2}, {"a", 3}}), SelectAll, {}, sl({"a", "b"}),
+            {1, 2}, "All");
+        row("Clear All", abc, ClearAll, {}, {}, {}, "All");
     }
     void restoreChecks()
     {
         QFETCH(QVariant, source);
         QFETCH(Via, via);
-        QFETCH(bool, single);
         QFETCH(QVariant, input);
         QFETCH(QStringList, checked);
         QFETCH(QVariant, ids);
@@ -631,17 +517,19 @@ private Q_SLOTS:
         combo.setSArrayData(source);
         QWidget *form = formOf(&combo);
         QVERIFY(QMetaObject::invokeMethod(form, "CheckAllRows"));
-        combo.setSingleCheck(single);
+        combo.setSingleCheck(via >= Via::SingleTexts);
         const QStringList result = checked.isEmpty() ? sl({"All"}) : checked;
         QVariant given = input;
         switch (via) {
         case Via::Texts:
+        case Via::SingleTexts:
             combo.setArrayChecked(given);
             QCOMPARE(strings(given), result); // handed back
             QCOMPARE(combo.findChild<QLineEdit *>(QStringLiteral("Text"))->toolTip(),
                      result.join(QLatin1Char(',')));
             break;
         case Via::Ids:
+        case Via::SingleIds:
             combo.setArrayCheckedID(given);
             QCOMPARE(given, ids);
             break;
@@ -649,7 +537,8 @@ private Q_SLOTS:
             combo.setArrayChecked(list1({"b", "c"}));
             combo.setSArrayData(input);
             break;
-        case Via::Rebuild: // the checks from before, or those given, carried over by text
+        case Via::Rebuild:
+        case Via::SingleRebuild: // the checks from before, or those given, carried over by text
             if (input.isValid())
                 combo.setArrayChecked(input);
             QVERIFY(QMetaObject::invokeMethod(form, "RebuildVisibleRows"));
@@ -667,62 +556,67 @@ private Q_SLOTS:
         QCOMPARE(combo.Title(), title);
     }
 
-    // The user's checks in the open list: a click or the space key toggles a row; Ctrl+A and
-    // Ctrl+I check the rows one after the other, so under single check each check that makes a
-    // second one leaves only itself, and the last row checked in turn wins.
-    void userChecks_data()
+    // Keys in the open list: space toggles the current row; Ctrl+A, Ctrl+I and Ctrl+U check,
+    // invert and clear (the letters alone are the list's). Under single check the rows are set
+    // one after the other and the last row checked in turn wins. Esc then closes the list.
+    void keys_data()
     {
         QTest::addColumn<bool>("single");
         QTest::addColumn<QString>("before");
         QTest::addColumn<QTestEventList>("events");
         QTest::addColumn<QStringList>("after");
+        QTest::addColumn<QString>("title");
 
-        const auto keys = [](std::initializer_list<std::pair<Qt::Key, Qt::KeyboardModifiers>> ks) {
+        const auto keys = [](std::initializer_list<std::pair<Qt::Key, bool>> ks) {
             QTestEventList events;
-            for (const auto &[key, modifiers] : ks)
-                events.addKeyClick(key, modifiers);
+            for (const auto &[key, ctrl] : ks)
+                events.addKeyClick(key, ctrl ? Qt::ControlModifier : Qt::NoModifier);
             return events;
         };
-        const Qt::KeyboardModifiers none, ctrl(Qt::ControlModifier);
-        const QTestEventList space = keys({{Qt::Key_Space, none}});
         const QTestEventList spaceDownSpace
-            = keys({{Qt::Key_Space, none}, {Qt::Key_Down, none}, {Qt::Key_Space, none}});
-        QTest::newRow("space") << false << "c" << space << sl({"a", "c"});
-        QTest::newRow("space, down, space") << false << "" << spaceDownSpace << sl({"a", "b"});
+            = keys({{Qt::Key_Space, false}, {Qt::Key_Down, false}, {Qt::Key_Space, false}});
+        const QTestEventList ctrlA = keys({{Qt::Key_A, true}, {Qt::Key_A, false}});
+        const QTestEventList ctrlI = keys({{Qt::Key_I, true}, {Qt::Key_I, false}});
+        const QTestEventList ctrlU = keys({{Qt::Key_U, true}, {Qt::Key_U, false}});
+        QTest::newRow("ctrlA") << false << "b" << ctrlA << sl({"a", "b", "c"}) << "All";
+        QTest::newRow("ctrlI") << false << "b" << ctrlI << sl({"a", "c"}) << "List";
+        QTest::newRow("ctrlU") << false << "b" << ctrlU << sl({}) << "All";
+        QTest::newRow("space, down, space")
+            << false << "c" << spaceDownSpace << sl({"a", "b", "c"}) << "All";
         QTest::newRow("single: the newest check wins")
-            << true << "c" << spaceDownSpace << sl({"b"});
-        QTest::newRow("single: ctrlA, nothing checked")
-            << true << "" << keys({{Qt::Key_A, ctrl}}) << sl({"c"});
+            << true << "c" << spaceDownSpace << sl({"b"}) << "b";
+        QTest::newRow("single: ctrlA, nothing checked") << true << "" << ctrlA << sl({"c"}) << "c";
         QTest::newRow("single: ctrlA, last row checked")
-            << true << "c" << keys({{Qt::Key_A, ctrl}}) << sl({"c"});
+            << true << "c" << ctrlA << sl({"c"}) << "c";
         QTest::newRow("single: ctrlI, first row checked")
-            << true << "a" << keys({{Qt::Key_I, ctrl}}) << sl({"c"});
+            << true << "a" << ctrlI << sl({"c"}) << "c";
         QTest::newRow("single: ctrlI, last row checked")
-            << true << "c" << keys({{Qt::Key_I, ctrl}}) << sl({"c"});
-        QTest::newRow("single: ctrlU") << true << "b" << keys({{Qt::Key_U, ctrl}}) << sl({});
+            << true << "c" << ctrlI << sl({"c"}) << "c";
+        QTest::newRow("single: ctrlU") << true << "b" << ctrlU << sl({}) << "All";
     }
-    void userChecks()
+    void keys()
     {
         QFETCH(bool, single);
         QFETCH(QString, before);
         QFETCH(QTestEventList, events);
         QFETCH(QStringList, after);
+        QFETCH(QString, title);
 
         CheckCombo *combo = showCombo({"a", "b", "c"});
         combo->setSingleCheck(single);
         combo->setArrayChecked(before.isEmpty() ? QVariant() : list1(QStringList(before)));
         openAndActivate(combo);
+        QSignalSpy quite(combo, &CheckCombo::Quite);
         QAbstractItemView *list = listOf(combo);
         list->setCurrentIndex(list->model()->index(0, 0));
         events.simulate(list);
         QCOMPARE(checkedRows(list), after);
-
-        // A click on a row's check box toggles it, under the same rule.
-        QTest::mouseClick(list->viewport(), Qt::LeftButton, {}, checkBoxOf(list, 1));
-        QVERIFY(checkedRows(list).contains(QStringLiteral("b"))
-                != after.contains(QStringLiteral("b")));
-        if (single)
-            QVERIFY(checkedRows(list).size() <= 1);
+        QTest::keyClick(list, Qt::Key_Escape);
+        QCOMPARE(quite.size(), 1);
+        QCOMPARE(quite.at(0).at(0).toBool(), true);
+        QVERIFY(!combo->isDroppedDown() && !formOf(combo)->isVisible());
+        QCOMPARE(strings(combo->ArrayChecked()), after.isEmpty() ? sl({"All"}) : after);
+        QCOMPARE(combo->Title(), title);
     }
 
     void showHide_data()
@@ -760,8 +654,6 @@ private Q_SLOTS:
         QTimer::singleShot(0, form, [&] {
             auto *dialog = form->findChild<QDialog *>(QStringLiteral("frmShowHide"));
             QVERIFY(dialog && dialog->isVisible());
-            QCOMPARE(QAccessible::queryAccessibleInterface(dialog)->text(QAccessible::Name),
-                     QStringLiteral("Show/Hide"));
             auto *no = dialog->findChild<QPushButton *>(QStringLiteral("btnNo"));
             QCOMPARE(no->text(), QStringLiteral("No"));
             auto *box = dialog->findChild<QListWidget *>(QStringLiteral("HideBox"));
@@ -788,36 +680,6 @@ private Q_SLOTS:
 
         QVERIFY(QMetaObject::invokeMethod(form, "RebuildVisibleRows"));
         QCOMPARE(rowTexts(listOf(combo)).size(), strings(arVis).size());
-    }
-
-    // A recordset load shows the rows that ArrayVisible names, as far as the row counters reach.
-    void visibleRowsOfALoad_data()
-    {
-        QTest::addColumn<QVariant>("visible");
-        QTest::addColumn<QStringList>("rows");
-
-        QTest::newRow("row numbers that name no row")
-            << QVariant(QVariantList{5, 1, -1, QStringLiteral("x"), 0}) << sl({"b", "a"});
-        QTest::newRow("more rows than the counters hold")
-            << QVariant(QVariantList(MaxRows + 5, 1)) << QStringList(MaxRows, QStringLiteral("b"));
-    }
-    void visibleRowsOfALoad()
-    {
-        QFETCH(QVariant, visible);
-        QFETCH(QStringList, rows);
-
-        Connection connection;
-        openDatabase(connection, QStringLiteral(":memory:"),
-                     {QStringLiteral("CREATE TABLE t (name TEXT)"),
-                      QStringLiteral("INSERT INTO t VALUES ('a'), ('b')")});
-        Recordset rs;
-        rs.Open(QStringLiteral("SELECT name FROM t"), QVariant::fromValue<QObject *>(&connection));
-        CheckCombo combo;
-        combo.setSorting(false);
-        combo.setSArrayData(list1({"x"}));
-        combo.setArrayVisible(visible);
-        combo.setRecordsetData(&rs);
-        QCOMPARE(rowTexts(listOf(&combo)), rows);
     }
 
     // A command and a connection of the control's own; hidden rows survive a recordset reload.
@@ -853,6 +715,13 @@ private Q_SLOTS:
         QCOMPARE(checkedRows(listOf(&combo)), sl({"a"}));
         combo.setSArrayData(list1({"x", "y", "z"})); // an array load shows every row again
         QCOMPARE(listOf(&combo)->model()->rowCount(), 3);
+        // Row numbers that name no row add nothing; the row counters end the list.
+        combo.setArrayVisible(QVariantList{5, 1, -1, QStringLiteral("x"), 0});
+        combo.setRecordsetData(&rs);
+        QCOMPARE(rowTexts(listOf(&combo)), sl({"c", "d"}));
+        combo.setArrayVisible(QVariantList(MaxRows + 5, 1));
+        combo.setRecordsetData(&rs);
+        QCOMPARE(rowTexts(listOf(&combo)), QStringList(MaxRows, QStringLiteral("c")));
 
         combo.setCommandText(QStringLiteral("SELECT nosuchcolumn FROM t"));
         bool raised = false;
@@ -883,6 +752,12 @@ private Q_SLOTS:
         QCOMPARE(form->height(), 3 * list->sizeHintForRow(0) + 2 * list->frameWidth());
         QTest::keyClick(list, Qt::Key_Escape);
         QVERIFY(!form->isVisible());
+        // Inside the frame, the button at the right edge, the text filling the rest.
+        auto *button = combo->findChild<QToolButton *>(QStringLiteral("ButDropDown"));
+        QCOMPARE(button->geometry().right(), combo->contentsRect().right());
+        QCOMPARE(button->height(), combo->contentsRect().height());
+        QCOMPARE(combo->findChild<QLineEdit *>(QStringLiteral("Text"))->geometry().right() + 1,
+                 button->x());
 
         // Near the screen's bottom the list opens above the field.
         m_host->move(screen.left() + 50, screen.bottom() + 1 - m_host->frameGeometry().height());
@@ -893,56 +768,40 @@ private Q_SLOTS:
         QCOMPARE(form->geometry().bottom(), combo->mapToGlobal(QPoint(0, 0)).y() - 1);
     }
 
-    void closing_data()
+    // Clicking elsewhere commits the checks (Quite with Cancel False); a hidden host form
+    // closes the list without Quite.
+    void leaving_data()
     {
-        QTest::addColumn<int>("key"); // pressed with Ctrl before Esc; 0: the list is left
-        QTest::addColumn<QStringList>("checked");
-        QTest::addColumn<QVariantList>("quite"); // the Cancel of each Quite
-        QTest::addColumn<QString>("title");
-
-        QTest::newRow("ctrlA") << int(Qt::Key_A) << sl({"a", "b", "c"}) << QVariantList{true}
-                               << "All";
-        QTest::newRow("ctrlI") << int(Qt::Key_I) << sl({"a", "c"}) << QVariantList{true} << "List";
-        QTest::newRow("ctrlU") << int(Qt::Key_U) << sl({}) << QVariantList{true} << "All";
-        QTest::newRow("leaving") << 0 << sl({"a"}) << QVariantList{false} << "a";
-        QTest::newRow("hostHides") << -1 << sl({"b"}) << QVariantList{} << "b";
+        QTest::addColumn<bool>("hostHides");
+        QTest::newRow("clicked elsewhere") << false;
+        QTest::newRow("hostHides") << true;
     }
-    void closing()
+    void leaving()
     {
-        QFETCH(int, key);
-        QFETCH(QStringList, checked);
-        QFETCH(QVariantList, quite);
-        QFETCH(QString, title);
+        QFETCH(bool, hostHides);
 
         CheckCombo *combo = showCombo({"a", "b", "c"});
         combo->setArrayChecked(list1({"b"}));
-        QSignalSpy spy(combo, &CheckCombo::Quite);
-        QWidget *form = formOf(combo);
+        QSignalSpy quite(combo, &CheckCombo::Quite);
         openAndActivate(combo);
         // A press on the button while the list is open does not close it.
         QTest::mouseClick(combo->findChild<QToolButton *>(QStringLiteral("ButDropDown")),
                           Qt::LeftButton);
-        QVERIFY(form->isVisible());
+        QVERIFY(formOf(combo)->isVisible());
         QAbstractItemView *list = listOf(combo);
-        if (key > 0) {
-            QTest::keyClick(list, Qt::Key(key), Qt::ControlModifier);
-            QTest::keyClick(list, Qt::Key(key)); // without Ctrl the list has the key
-            QCOMPARE(checkedRows(list), checked);
-            QTest::keyClick(list, Qt::Key_Escape);
-        } else if (key == 0) {
-            QTest::mouseClick(list->viewport(), Qt::LeftButton, {}, checkBoxOf(list, 0));
-            QTest::mouseClick(list->viewport(), Qt::LeftButton, {}, checkBoxOf(list, 1));
-            m_host->activateWindow(); // the user clicks elsewhere
-        } else {
+        QTest::mouseClick(list->viewport(), Qt::LeftButton, {}, checkBoxOf(list, 0));
+        QTest::mouseClick(list->viewport(), Qt::LeftButton, {}, checkBoxOf(list, 1));
+        if (hostHides)
             m_host->hide();
-        }
-        QTRY_VERIFY(!form->isVisible());
+        else
+            m_host->activateWindow(); // the user clicks elsewhere
+        QTRY_VERIFY(!formOf(combo)->isVisible());
         QVERIFY(!combo->isDroppedDown());
-        QCOMPARE(spy.size(), quite.size());
-        for (int i = 0; i < quite.size(); ++i)
-            QCOMPARE(spy.at(i).at(0), quite.at(i));
-        QCOMPARE(strings(combo->ArrayChecked()), checked.isEmpty() ? sl({"All"}) : checked);
-        QCOMPARE(combo->Title(), title);
+        QCOMPARE(quite.size(), hostHides ? 0 : 1);
+        if (!hostHides)
+            QCOMPARE(quite.at(0).at(0).toBool(), false);
+        QCOMPARE(strings(combo->ArrayChecked()), sl({"a"}));
+        QCOMPARE(combo->Title(), hostHides ? QStringLiteral("b") : QStringLiteral("a"));
     }
 
     void waitsForTheActivation()
@@ -969,34 +828,23 @@ private Q_SLOTS:
 
     void contextMenu_data()
     {
-        QTest::addColumn<QLocale::Language>("language");
         QTest::addColumn<bool>("single");
         QTest::addColumn<QStringList>("shown");
-
-        const QStringList english
-            = sl({"Select All", "Clear All", "Invert Selection", "Show/Hide", "Not In ..."});
-        QTest::newRow("English") << QLocale::English << false << english;
-        QTest::newRow("Russian") << QLocale::Russian << false
-                                 << sl({"Выделить все", "Очистить все", "Инвертировать выбор",
-                                        "Показать/Скрыть", "Инверсная логика"});
-        QTest::newRow("German") << QLocale::German << false << english; // no texts of its own
-        QTest::newRow("single check")
-            << QLocale::English << true << sl({"Clear All", "Show/Hide", "Not In ..."});
+        QTest::newRow("all commands")
+            << false
+            << sl({"Select All", "Clear All", "Invert Selection", "Show/Hide", "Not In ..."});
+        QTest::newRow("single check") << true << sl({"Clear All", "Show/Hide", "Not In ..."});
     }
     void contextMenu()
     {
-        QFETCH(QLocale::Language, language);
         QFETCH(bool, single);
         QFETCH(QStringList, shown);
 
-        m_platform->setUiLanguage(language);
         CheckCombo *combo = showCombo({"a", "b"});
         combo->setSingleCheck(single);
         openAndActivate(combo);
         QAbstractItemView *list = listOf(combo);
-        QCOMPARE(list->toolTip(),
-                 language == QLocale::Russian ? QStringLiteral("Выделите нужные строки")
-                                              : QStringLiteral("Check/Uncheck Items"));
+        QCOMPARE(list->toolTip(), QStringLiteral("Check/Uncheck Items"));
         QTest::mouseClick(list->viewport(), Qt::RightButton, {}, QPoint(5, 5));
         auto *menu = formOf(combo)->findChild<QMenu *>(QStringLiteral("MenuPopUp"));
         QTRY_VERIFY(menu->isVisible());
@@ -1021,35 +869,11 @@ private Q_SLOTS:
         QVERIFY(menuItem(combo, 4)->isChecked());
     }
 
-    void mouseEvents_data()
-    {
-        QTest::addColumn<QString>("child");
-        QTest::addColumn<Qt::MouseButton>("button");
-        QTest::addColumn<Qt::KeyboardModifiers>("modifiers");
-        QTest::addColumn<int>("buttonCode");
-        QTest::addColumn<int>("shiftCode");
-        QTest::addColumn<bool>("opens");
-
-        QTest::newRow("left on the button")
-            << "ButDropDown" << Qt::LeftButton << Qt::KeyboardModifiers() << 1 << 0 << true;
-        QTest::newRow("left on the field")
-            << "Text" << Qt::LeftButton << Qt::KeyboardModifiers(Qt::ControlModifier) << 1 << 2
-            << true;
-        QTest::newRow("right with Shift")
-            << "ButDropDown" << Qt::RightButton << Qt::KeyboardModifiers(Qt::ShiftModifier) << 2
-            << 1 << false;
-    }
+    // Given a control (a spy cannot hold by-reference arguments: they are noted here), when a
+    // button is clicked on a child, then MouseDown and MouseUp carry Button, Shift and X, and a
+    // left press opens the list, raising Click after MouseDown; a move raises both move events.
     void mouseEvents()
     {
-        QFETCH(QString, child);
-        QFETCH(Qt::MouseButton, button);
-        QFETCH(Qt::KeyboardModifiers, modifiers);
-        QFETCH(int, buttonCode);
-        QFETCH(int, shiftCode);
-        QFETCH(bool, opens);
-
-        // Given a control with rows (a spy cannot hold by-reference arguments: each event's
-        // arguments are noted as Button, Shift, X)
         CheckCombo *combo = showCombo({"a"});
         QList<QVariantList> down, up, moveXY;
         const auto note = [](QList<QVariantList> &into) {
@@ -1062,28 +886,26 @@ private Q_SLOTS:
         QSignalSpy move(combo, &CheckCombo::MouseMove);
         qsizetype downsBeforeClick = -1;
         connect(combo, &CheckCombo::Click, this, [&] { downsBeforeClick = down.size(); });
-        auto *target = combo->findChild<QWidget *>(child);
+        auto *text = combo->findChild<QWidget *>(QStringLiteral("Text"));
+        auto *button = combo->findChild<QWidget *>(QStringLiteral("ButDropDown"));
 
-        // when a button is clicked on a child
-        QTest::mouseClick(target, button, modifiers, QPoint(7, 5));
-        // then MouseDown and MouseUp carry the button, shift state and position
-        const QVariantList args{buttonCode, shiftCode, 7.0};
-        QCOMPARE(down, QList<QVariantList>{args});
-        QCOMPARE(up, QList<QVariantList>{args});
-        // and a left press opens the list, raising Click after MouseDown
-        QCOMPARE(click.size(), opens ? 1 : 0);
-        QCOMPARE(combo->isDroppedDown(), opens);
-        if (opens) {
-            QCOMPARE(downsBeforeClick, 1);
-            QTest::keyClick(listOf(combo), Qt::Key_Escape);
-        }
+        QTest::mouseClick(button, Qt::RightButton, Qt::ShiftModifier, QPoint(7, 5));
+        QCOMPARE(down, QList<QVariantList>{(QVariantList{2, 1, 7.0})});
+        QCOMPARE(up, down);
+        QVERIFY(!combo->isDroppedDown());
+        QTest::mouseClick(text, Qt::LeftButton, Qt::ControlModifier, QPoint(8, 5));
+        QCOMPARE(down.last(), (QVariantList{1, 2, 8.0}));
+        QCOMPARE(up.last(), down.last());
+        QVERIFY(combo->isDroppedDown());
+        QCOMPARE(click.size(), 1);
+        QCOMPARE(downsBeforeClick, 2);
+        QTest::keyClick(listOf(combo), Qt::Key_Escape);
 
-        // when the mouse moves over the child, then both move events follow
-        QTest::mouseMove(target, QPoint(9, 5));
+        QTest::mouseMove(text, QPoint(9, 5));
         QTRY_COMPARE(moveXY.size(), 1);
+        QCOMPARE(move.size(), 1);
         QCOMPARE(moveXY.at(0).at(0), 0); // no button held
         QCOMPARE(moveXY.at(0).at(2), 9.0);
-        QCOMPARE(move.size(), 1);
     }
 
     void recordset_data()
