@@ -2,13 +2,13 @@
 #include <zelkon/checklist/checkcombo.h>
 
 #include <QApplication>
-#include <QElapsedTimer>
 #include <QListWidget>
 
 #include <benchmark/benchmark.h>
 
 #include <algorithm>
 #include <cstdio>
+#include <ctime>
 #include <vector>
 
 using namespace zelkon;
@@ -27,6 +27,15 @@ QVariantList distinctRows()
     return rows;
 }
 
+// The processor time of this thread, in seconds: the work is all on the user-interface thread,
+// and a run that the shared machine preempts then costs no more than one that it does not.
+double threadSeconds()
+{
+    timespec now{};
+    clock_gettime(CLOCK_THREAD_CPUTIME_ID, &now);
+    return double(now.tv_sec) + double(now.tv_nsec) / 1e9;
+}
+
 double median(std::vector<double> values)
 {
     std::sort(values.begin(), values.end());
@@ -38,15 +47,14 @@ double bareFill(QListWidget &list, const QVariantList &rows)
 {
     list.clear();
     QCoreApplication::processEvents();
-    QElapsedTimer clock;
-    clock.start();
+    const double start = threadSeconds();
     for (const QVariant &row : rows) {
         auto *item = new QListWidgetItem(row.toString());
         item->setFlags(Qt::ItemIsEnabled | Qt::ItemIsSelectable | Qt::ItemIsUserCheckable);
         item->setCheckState(Qt::Checked);
         list.addItem(item);
     }
-    return clock.nsecsElapsed() / 1e9;
+    return threadSeconds() - start;
 }
 
 void reloadAllChecked(benchmark::State &state)
@@ -69,10 +77,9 @@ void reloadAllChecked(benchmark::State &state)
     for (auto _ : state) {
         combo.SelectAll();
         QCoreApplication::processEvents();
-        QElapsedTimer clock;
-        clock.start();
+        const double start = threadSeconds();
         combo.setSArrayData(rows);
-        const double seconds = clock.nsecsElapsed() / 1e9;
+        const double seconds = threadSeconds() - start;
         state.SetIterationTime(seconds);
         reloads.push_back(seconds);
         bares.push_back(bareFill(bare, rows));

@@ -351,13 +351,19 @@ void frmList::RepairCheck()
         if (!nothing && !wanted.isEmpty()) {
             // Each text checks the first row that has it; the newest check is the row of the
             // last text that matched.
-            QHash<QString, int> firstRow;
+            // The texts are looked at where they are, in the model and in the variants.
+            QHash<QStringView, int> firstRow;
             firstRow.reserve(rows);
             for (int j = rows - 1; j >= 0; --j)
                 firstRow.insert(m_model->text(j), j);
+            QString converted;
             for (const QVariant &text : wanted) {
-                QString key;
-                if (!attempt([&] { key = CStr(text); }))
+                QStringView key;
+                if (text.metaType() == QMetaType::fromType<QString>())
+                    key = *static_cast<const QString *>(text.constData());
+                else if (attempt([&] { converted = CStr(text); }))
+                    key = converted;
+                else
                     continue;
                 const auto it = firstRow.constFind(key);
                 if (it != firstRow.cend()) {
