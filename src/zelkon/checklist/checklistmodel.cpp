@@ -159,22 +159,26 @@ void CheckListModel::load(std::vector<CheckListItem> items)
         throw Error(Overflow);
     beginResetModel();
     m_ranks.clear();
+    m_items.clear();
+    m_items.reserve(items.size());
+    // Each text is copied into memory of the model's own, in the model's order: every later walk
+    // over the rows (checks read back, texts matched) then reads memory in order, instead of
+    // jumping about the caller's array and the other holders of its texts.
+    const auto add = [this](const CheckListItem &item) {
+        m_items.push_back({QString(item.text.constData(), item.text.size()), item.id});
+    };
     if (m_sorted) {
         // Loaded in the sorted order, a row's place is its rank: equal texts share the first.
         std::vector<bool> same;
         const std::vector<qint32> order = sortedOrder(items, &same);
-        m_items.clear();
-        m_items.reserve(items.size());
         m_ranks.resize(items.size());
         for (size_t j = 0; j < order.size(); ++j) {
-            // Each text is copied to memory in its sorted place, so that every later walk over
-            // the rows reads memory in order instead of jumping about the caller's array.
-            const CheckListItem &item = items[size_t(order[j])];
-            m_items.push_back({QString(item.text.constData(), item.text.size()), item.id});
+            add(items[size_t(order[j])]);
             m_ranks[j] = same[j] ? m_ranks[j - 1] : qint32(j);
         }
     } else {
-        m_items = std::move(items);
+        for (const CheckListItem &item : items)
+            add(item);
     }
     m_rows.resize(m_items.size());
     for (size_t i = 0; i < m_rows.size(); ++i)

@@ -17,6 +17,7 @@
 #include <QSet>
 #include <QTimer>
 
+#include <numeric>
 #include <vector>
 
 namespace zelkon {
@@ -216,7 +217,10 @@ void frmList::InsertArray()
             for (qint32 i = 0; i <= upper; ++i) {
                 if (rows.size() == size_t(CheckListModel::MaxRows))
                     throw Error(Overflow);
-                rows.push_back({CStr(array.at(i))});
+                const QVariant &text = array.at(i);
+                rows.push_back({text.metaType() == QMetaType::fromType<QString>()
+                                    ? *static_cast<const QString *>(text.constData())
+                                    : CStr(text)});
             }
         }
     });
@@ -267,20 +271,35 @@ void frmList::ReloadArVis()
 void frmList::ReloadArVisFor(int rows)
 {
     m_arVis = QVariant();
-    if (rows == 0)
-        return;
+    m_everyRow = rows > 0 ? rows : -1;
+}
+
+QVariant frmList::ArVis() const
+{
+    if (m_everyRow < 0)
+        return m_arVis;
     QVariantList all;
-    all.reserve(rows);
-    for (qint32 i = 0; i < rows; ++i)
+    all.reserve(m_everyRow);
+    for (qint32 i = 0; i < m_everyRow; ++i)
         all.append(i);
-    m_arVis = all;
+    return all;
+}
+
+void frmList::setArVis(const QVariant &rows)
+{
+    m_arVis = rows;
+    m_everyRow = -1;
 }
 
 void frmList::showArVis(const std::function<bool(const QString &)> &checked)
 {
     std::vector<qint32> shown;
+    if (m_everyRow >= 0) {
+        shown.resize(size_t(m_everyRow));
+        std::iota(shown.begin(), shown.end(), 0);
+    }
     const QVariantList numbers = elementsOf(m_arVis);
-    shown.reserve(size_t(numbers.size()));
+    shown.reserve(shown.size() + size_t(numbers.size()));
     for (const QVariant &k : numbers) {
         qint32 i = -1; // a row number that names no row adds nothing
         attempt([&] { i = CLng(k); });
@@ -314,6 +333,17 @@ void frmList::RebuildVisibleRows()
     }
 }
 
+void frmList::readCheckedIDs()
+{
+    QVariantList ids;
+    ids.reserve(m_model->checkedCount());
+    for (int i = 0; i < m_model->rowCount(); ++i) {
+        if (m_model->isChecked(i))
+            ids.append(m_model->id(i));
+    }
+    m_checkedIDs = ids.isEmpty() ? QVariant() : QVariant(std::move(ids));
+}
+
 void frmList::GetChecked()
 {
     QVariantList texts;
@@ -342,16 +372,21 @@ void frmList::RepairCheck()
     const int rows = m_model->rowCount();
     if (rows == 0)
         return;
-    attempt([&] {
+    // When the rows checked are the texts asked for, one row each and in list order, reading the
+    // checks back would give the same texts again: only the identifiers are read then.
+    bool asAsked = m_checkedTexts.metaType() == QMetaType::fromType<QVariantList>();
+    qsizetype asked = 0;
+    const bool done = attempt([&] {
         const QVariantList wanted = elementsOf(m_checkedTexts);
+        asked = wanted.size();
         std::vector<bool> marks(size_t(rows), false);
         int newest = -1;
         // A lone "All" means that nothing is checked; among several texts it is a row's text.
         const bool nothing = wanted.size() == 1 && wanted.first() == QVariant(allText());
+        asAsked = asAsked && !nothing && !wanted.isEmpty();
         if (!nothing && !wanted.isEmpty()) {
             // Each text checks the first row that has it; the newest check is the row of the
-            // last text that matched.
-            // The texts are looked at where they are, in the model and in the variants.
+            // last text that matched. The texts are looked at where they are.
             QHash<QStringView, int> firstRow;
             firstRow.reserve(rows);
             for (int j = rows - 1; j >= 0; --j)
@@ -359,22 +394,30 @@ void frmList::RepairCheck()
             QString converted;
             for (const QVariant &text : wanted) {
                 QStringView key;
-                if (text.metaType() == QMetaType::fromType<QString>())
+                if (text.metaType() == QMetaType::fromType<QString>()) {
                     key = *static_cast<const QString *>(text.constData());
-                else if (attempt([&] { converted = CStr(text); }))
+                } else {
+                    asAsked = false;
+                    if (!attempt([&] { converted = CStr(text); }))
+                        continue;
                     key = converted;
-                else
-                    continue;
-                const auto it = firstRow.constFind(key);
-                if (it != firstRow.cend()) {
-                    marks[size_t(*it)] = true;
-                    newest = *it;
                 }
+                const auto it = firstRow.constFind(key);
+                if (it == firstRow.cend() || *it <= newest) {
+                    asAsked = false;
+                    if (it == firstRow.cend())
+                        continue;
+                }
+                marks[size_t(*it)] = true;
+                newest = *it;
             }
         }
         setCheckedRows(marks, newest);
     });
-    GetChecked();
+    if (done && asAsked && m_model->checkedCount() == asked)
+        readCheckedIDs();
+    else
+        GetChecked();
     List()->setTopRow(0);
 }
 
@@ -511,7 +554,9 @@ void frmList::ShowHideRows()
     m_timer->stop();
     // The dialog edits the shown rows in place: a declined dialog leaves its marks there too,
     // and they take effect at the next rebuild.
-    const bool confirmed = m_showHideDialog->frmActivate(m_arVis);
+    QVariant shown = ArVis();
+    const bool confirmed = m_showHideDialog->frmActivate(shown);
+    setArVis(shown);
     if (watching && isVisible())
         m_timer->start();
     if (confirmed) {

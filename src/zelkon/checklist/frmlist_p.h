@@ -55,8 +55,8 @@ public:
     void setActiveList(qint16 index);
     QVariant AllItems() const; // 2-D (0 to n-1, 0 to 1): text, identifier; Empty when no rows
     int snapshotRows() const;
-    QVariant ArVis() const { return m_arVis; }
-    void setArVis(const QVariant &rows) { m_arVis = rows; }
+    QVariant ArVis() const;
+    void setArVis(const QVariant &rows);
     bool ArVisReady() const { return m_arVisReady; }
     QVariant CheckedTexts() const { return m_checkedTexts; }
     void setCheckedTexts(const QVariant &texts) { m_checkedTexts = texts; }
@@ -134,6 +134,8 @@ private:
     // Shows the rows that ArVis names, checked where `checked(text)` says so.
     void showArVis(const std::function<bool(const QString &)> &checked);
     void ReloadArVisFor(int rows);
+    // CheckedIDs from the rows, CheckedTexts left as they are.
+    void readCheckedIDs();
     QStringList checkedTextsOfList() const;
 
     CheckListModel *m_model = nullptr;
@@ -148,6 +150,8 @@ private:
     QPointer<QObject> m_sourceRecordset;
     qint16 m_activeList = 0;
     QVariant m_arVis;
+    // Every row shown, 0 to m_everyRow - 1, kept as a count until someone reads ArVis; -1: none.
+    qint32 m_everyRow = -1;
     bool m_arVisReady = false;
     QVariant m_checkedTexts;
     QVariant m_checkedIDs;
