@@ -111,11 +111,6 @@ QStringList rowTexts(const QAbstractItemView *list, bool checkedOnly = false)
     return texts;
 }
 
-QStringList checkedRows(const QAbstractItemView *list)
-{
-    return rowTexts(list, true);
-}
-
 int snapshotRows(const CheckCombo *combo)
 {
     const QVariant all = formOf(combo)->property("AllItems");
@@ -138,18 +133,8 @@ void openDatabase(Connection &connection, const QString &database, const QString
         QVERIFY2(q.exec(statement), qPrintable(statement));
 }
 
-// How checks are given to a loaded list.
-enum class Via {
-    Texts,
-    Ids,
-    Reload,
-    Rebuild,
-    SelectAll,
-    ClearAll,
-    SingleTexts,
-    SingleIds,
-    SingleRebuild
-};
+// How checks are given to a loaded list; the S variants with single check on.
+enum class Via { Texts, Ids, Reload, Rebuild, SelectAll, ClearAll, STexts, SIds, SRebuild };
 
 } // namespace
 
@@ -259,20 +244,6 @@ private Q_SLOTS:
         QCOMPARE(menuItem(&target, 4)->isChecked(), target.Inv());
         QCOMPARE(target.findChild<QLineEdit *>(QStringLiteral("Text"))->isReadOnly(),
                  !target.EditEnabled());
-    }
-
-    // Position and size are read one by one: a damaged one costs only itself.
-    void readPositions()
-    {
-        MemoryPropertyBag bag;
-        bag.insert(QStringLiteral("Left"), 11.0f);
-        bag.insert(QStringLiteral("Top"), QStringLiteral("?"));
-        bag.insert(QStringLiteral("Height"), 23.0f);
-        bag.insert(QStringLiteral("Width"), 140.0f);
-        CheckCombo combo(m_host.get());
-        combo.setGeometry(1, 2, 100, 20);
-        combo.ReadProperties(bag);
-        QCOMPARE(combo.geometry(), QRect(11, 2, 140, 23));
     }
 
     // What a screen reader reads for each part, as the host names the control by property or
@@ -493,12 +464,11 @@ private Q_SLOTS:
             {0}, "p");
         // Under single check the texts or identifiers are checked in turn: the last one wins,
         // also when it was checked before.
-        row("single, text repeated last", abc, SingleTexts, list1({"b", "a", "b"}), sl({"b"}), {0},
+        row("single, text repeated last", abc, STexts, list1({"b", "a", "b"}), sl({"b"}), {0}, "b");
+        row("single, identifier repeated last", abc2, SIds, QVariantList{2, 1, 2}, sl({"b"}), {2},
             "b");
-        row("single, identifier repeated last", abc2, SingleIds, QVariantList{2, 1, 2}, sl({"b"}),
-            {2}, "b");
         row("single, rebuild with a text checked twice", array2({{"x", 1}, {"y", 2}, {"x", 3}}),
-            SingleRebuild, {}, sl({"x"}), {3}, "All");
+            SRebuild, {}, sl({"x"}), {3}, "All");
         row("Select All", array2({{"a", 1}, {"b", 2}, {"a", 3}}), SelectAll, {}, sl({"a", "b"}),
             {1, 2}, "All");
         row("Clear All", abc, ClearAll, {}, {}, {}, "All");
@@ -517,19 +487,19 @@ private Q_SLOTS:
         combo.setSArrayData(source);
         QWidget *form = formOf(&combo);
         QVERIFY(QMetaObject::invokeMethod(form, "CheckAllRows"));
-        combo.setSingleCheck(via >= Via::SingleTexts);
+        combo.setSingleCheck(via >= Via::STexts);
         const QStringList result = checked.isEmpty() ? sl({"All"}) : checked;
         QVariant given = input;
         switch (via) {
         case Via::Texts:
-        case Via::SingleTexts:
+        case Via::STexts:
             combo.setArrayChecked(given);
             QCOMPARE(strings(given), result); // handed back
             QCOMPARE(combo.findChild<QLineEdit *>(QStringLiteral("Text"))->toolTip(),
                      result.join(QLatin1Char(',')));
             break;
         case Via::Ids:
-        case Via::SingleIds:
+        case Via::SIds:
             combo.setArrayCheckedID(given);
             QCOMPARE(given, ids);
             break;
@@ -538,7 +508,7 @@ private Q_SLOTS:
             combo.setSArrayData(input);
             break;
         case Via::Rebuild:
-        case Via::SingleRebuild: // the checks from before, or those given, carried over by text
+        case Via::SRebuild: // the checks from before, or those given, carried over by text
             if (input.isValid())
                 combo.setArrayChecked(input);
             QVERIFY(QMetaObject::invokeMethod(form, "RebuildVisibleRows"));
@@ -550,7 +520,7 @@ private Q_SLOTS:
                 combo.SelectAll();
             break;
         }
-        QCOMPARE(checkedRows(listOf(&combo)), checked);
+        QCOMPARE(rowTexts(listOf(&combo), true), checked);
         QCOMPARE(strings(combo.ArrayChecked()), result);
         QCOMPARE(combo.ArrayCheckedID(), ids);
         QCOMPARE(combo.Title(), title);
@@ -610,7 +580,7 @@ private Q_SLOTS:
         QAbstractItemView *list = listOf(combo);
         list->setCurrentIndex(list->model()->index(0, 0));
         events.simulate(list);
-        QCOMPARE(checkedRows(list), after);
+        QCOMPARE(rowTexts(list, true), after);
         QTest::keyClick(list, Qt::Key_Escape);
         QCOMPARE(quite.size(), 1);
         QCOMPARE(quite.at(0).at(0).toBool(), true);
@@ -671,7 +641,7 @@ private Q_SLOTS:
         QCOMPARE(quite.at(0).at(0).toBool(), true);
         QVERIFY(!form->isVisible());
         QCOMPARE(rowTexts(listOf(combo)), rows);
-        QCOMPARE(checkedRows(listOf(combo)), checked);
+        QCOMPARE(rowTexts(listOf(combo), true), checked);
         QCOMPARE(strings(combo->ArrayChecked()), checked.isEmpty() ? sl({"All"}) : checked);
         QCOMPARE(combo->ArrayVisible(), arVis);
         QCOMPARE(snapshotRows(combo), 4);
@@ -702,7 +672,7 @@ private Q_SLOTS:
         combo.Refresh();
         QCOMPARE(snapshotRows(&combo), 4);
         QCOMPARE(rowTexts(listOf(&combo)), sl({"a", "b", "c"})); // the rows shown stay 0 to 2
-        QCOMPARE(checkedRows(listOf(&combo)), QStringList()); // a refresh keeps no checks
+        QCOMPARE(rowTexts(listOf(&combo), true), QStringList()); // a refresh keeps no checks
 
         combo.setArrayVisible(QVariantList{0, 3});
         QCOMPARE(listOf(&combo)->model()->rowCount(), 3); // applied at the next rebuild only
@@ -712,7 +682,7 @@ private Q_SLOTS:
                 QVariant::fromValue<QObject *>(&connection));
         combo.setRecordsetData(&rs);
         QCOMPARE(rowTexts(listOf(&combo)), sl({"d", "a"})); // rows 0 and 3 of the new load
-        QCOMPARE(checkedRows(listOf(&combo)), sl({"a"}));
+        QCOMPARE(rowTexts(listOf(&combo), true), sl({"a"}));
         combo.setSArrayData(list1({"x", "y", "z"})); // an array load shows every row again
         QCOMPARE(listOf(&combo)->model()->rowCount(), 3);
         // Row numbers that name no row add nothing; the row counters end the list.
@@ -946,7 +916,7 @@ private Q_SLOTS:
         QAbstractItemView *list = listOf(combo);
         // Texts trimmed, a Null text skipped, no identifiers; checks kept by text.
         QCOMPARE(rowTexts(list), sl({"apple", "Fig", "o'brien", "pear"}));
-        QCOMPARE(checkedRows(list), sl({"pear"}));
+        QCOMPARE(rowTexts(list, true), sl({"pear"}));
         QCOMPARE(combo->ArrayCheckedID().toList(), QVariantList({0}));
         QCOMPARE(combo->RecordsetData(), &rs);
         // "All" only when every row of a recordset is checked.
@@ -957,7 +927,7 @@ private Q_SLOTS:
         // Select All has no source array to take texts from: it checks nothing, showing "All".
         combo->setArrayChecked(list1({"apple"}));
         combo->SelectAll();
-        QCOMPARE(checkedRows(list), QStringList());
+        QCOMPARE(rowTexts(list, true), QStringList());
         QCOMPARE(combo->Title(), QStringLiteral("All"));
 
         // The second field of the row under the mouse is its tool tip. Moves reach the popup

@@ -33,17 +33,6 @@ const QString ListText = QStringLiteral("List");
 // has closed; within this time it was the click that closed it and must not open it again.
 constexpr int ReopenGuardMs = 150;
 
-QVariantList elementsOf(const QVariant &value)
-{
-    if (value.metaType() == QMetaType::fromType<QVariantList>())
-        return value.toList();
-    if (isVariantArray(value)) {
-        const auto array = value.value<VariantArray>();
-        return array.dimensions() == 1 ? array.elements() : QVariantList();
-    }
-    return IsEmpty(value) ? QVariantList() : QVariantList{value};
-}
-
 // Alt+Down (with any other modifier) and a plain F4.
 bool isOpenKey(const QKeyEvent *event)
 {
@@ -453,7 +442,7 @@ void CheckCombo::setSArrayData(const QVariant &array)
     // A list with rows had its checks read back by RepairCheck a moment ago.
     if (form->List()->model()->rowCount() == 0)
         form->GetChecked();
-    const QVariantList checked = elementsOf(form->CheckedTexts());
+    const QVariantList checked = frmList::elementsOf(form->CheckedTexts());
     if (checked.isEmpty())
         d->setFieldText(allText());
     else if (checked.size() > 1)
@@ -638,7 +627,7 @@ void CheckComboPrivate::setTips(const QVariant &texts)
     QString tip = allText();
     if (!IsEmpty(texts)) {
         QStringList parts;
-        for (const QVariant &value : elementsOf(texts)) {
+        for (const QVariant &value : frmList::elementsOf(texts)) {
             QString part;
             attempt([&] { part = CStr(value); });
             parts.append(part);
@@ -651,7 +640,7 @@ void CheckComboPrivate::setTips(const QVariant &texts)
 
 QString CheckComboPrivate::fieldTextFor(const QVariant &texts) const
 {
-    const QVariantList checked = elementsOf(texts);
+    const QVariantList checked = frmList::elementsOf(texts);
     if (checked.isEmpty())
         return allText();
     if (checked.size() == 1) {

@@ -24,21 +24,6 @@ namespace zelkon {
 
 namespace {
 
-// The elements of a one-dimensional array in index order. Any other single value stands for
-// itself; an array of more dimensions has no element that a one-index lookup could read.
-QVariantList elementsOf(const QVariant &value)
-{
-    if (IsEmpty(value))
-        return {};
-    if (value.metaType() == QMetaType::fromType<QVariantList>())
-        return value.toList();
-    if (isVariantArray(value)) {
-        const auto array = value.value<VariantArray>();
-        return array.dimensions() == 1 ? array.elements() : QVariantList();
-    }
-    return {value};
-}
-
 // Reads element i of a one-dimensional array, indices counted from 0, without copying the
 // array per element.
 class ElementReader
@@ -70,6 +55,19 @@ private:
 };
 
 } // namespace
+
+QVariantList frmList::elementsOf(const QVariant &value)
+{
+    if (IsEmpty(value))
+        return {};
+    if (value.metaType() == QMetaType::fromType<QVariantList>())
+        return value.toList();
+    if (isVariantArray(value)) {
+        const auto array = value.value<VariantArray>();
+        return array.dimensions() == 1 ? array.elements() : QVariantList();
+    }
+    return {value};
+}
 
 frmList::frmList(QWidget *parent)
     : QWidget(parent, Qt::Tool | Qt::FramelessWindowHint | Qt::WindowStaysOnTopHint)

@@ -45,6 +45,10 @@ public:
     explicit frmList(QWidget *parent = nullptr);
     ~frmList() override;
 
+    // The elements of a one-dimensional array in index order (Empty: none). Any other single
+    // value stands for itself; an array of more dimensions has no element a single index reads.
+    static QVariantList elementsOf(const QVariant &value);
+
     // The store's fields.
     QVariant SourceArray() const { return m_sourceArray; }
     void setSourceArray(const QVariant &array) { m_sourceArray = array; }
