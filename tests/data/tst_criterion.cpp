@@ -1,78 +1,102 @@
-#include <zelkon/common/error.h>
+#include "errorof.h"
+
+#include <zelkon/data/connection.h>
+#include <zelkon/data/recordset.h>
 #include <zelkon/test/testplatform.h>
-#include <zelkon/common/variants.h>
-#include <zelkon/data/criterion_p.h>
 
 #include <QTest>
 
 using namespace zelkon;
 
-// Criteria as a host writes them for Find, read and matched against single values.
+// Criteria as a host writes them for Find and FindFirst. Each is searched in two records that
+// SQLite returns: a Null, which nothing matches, then the value of an SQL expression, with the
+// type that the database gives it.
 class tst_Criterion : public QObject
 {
     Q_OBJECT
     TestPlatform m_platform;
+    Connection m_db;
 
 public:
-    enum Expected { NoMatch, Match, Refused }; // Refused: the criterion raises error 3001
+    enum Expected { NoMatch, Match, Refused }; // Refused: error 3001, the record stays
     Q_ENUM(Expected)
 
 private Q_SLOTS:
+    void initTestCase() { m_db.Open(u"Database=:memory:"_qs); }
+
     void matches_data()
     {
         QTest::addColumn<QString>("criterion");
-        QTest::addColumn<QVariant>("value");
+        QTest::addColumn<QString>("value"); // SQL
         QTest::addColumn<Expected>("expected");
 
-        QTest::newRow("= blanks count") << "name = 'abc'" << QVariant(u"abc "_qs) << NoMatch;
-        QTest::newRow("<> text") << "name <> 'abc'" << QVariant(u"abd"_qs) << Match;
-        QTest::newRow("< text ignores case") << "name < 'b'" << QVariant(u"A"_qs) << Match;
-        QTest::newRow("< number, 64-bit") << "n < 10" << QVariant(qlonglong(10)) << NoMatch;
-        QTest::newRow("< number over text digits") << "n < 10" << QVariant(u"9"_qs) << Match;
-        QTest::newRow(">= fraction") << "n >= 2.5" << QVariant(2.5) << Match;
-        QTest::newRow("<= exponent, no blanks") << "n<=-1e2" << QVariant(-100) << Match;
-        QTest::newRow("quoted digits vs number") << "code = '017'" << QVariant(17) << Match;
-        QTest::newRow("LIKE prefix elsewhere")
-            << "name LIKE 'ab%'" << QVariant(u"xab"_qs) << NoMatch;
-        QTest::newRow("LIKE contains *") << "name LIKE '*bc*'" << QVariant(u"xABCx"_qs) << Match;
-        QTest::newRow("LIKE whole") << "name LIKE 'abc'" << QVariant(u"ABC"_qs) << Match;
-        QTest::newRow("LIKE whole longer") << "name LIKE 'abc'" << QVariant(u"abcd"_qs) << NoMatch;
-        QTest::newRow("LIKE % Null") << "name LIKE '%'" << nullVariant() << NoMatch;
-        QTest::newRow("LIKE over a number") << "n LIKE '1%'" << QVariant(12) << Match;
-        QTest::newRow("LIKE Cyrillic case")
-            << u"name LIKE 'ив%'"_qs << QVariant(u"Иванов"_qs) << Match;
-        QTest::newRow("#iso# = date") << "d = #2024-01-05#" << QVariant(QDate(2024, 1, 5)) << Match;
-        QTest::newRow("#iso# = date text")
-            << "d = #2024-01-05#" << QVariant(u"2024-01-05"_qs) << Match;
-        QTest::newRow("#date# time counts")
-            << "d = #2024-01-05#" << QVariant(QDateTime(QDate(2024, 1, 5), QTime(0, 1))) << NoMatch;
-        QTest::newRow("#text#") << "state = #WA#" << QVariant(u"wa"_qs) << Match;
-        QTest::newRow("unclosed quote") << "name = 'abc" << QVariant() << Refused;
-        QTest::newRow("no operator") << "name 'abc'" << QVariant() << Refused;
-        QTest::newRow("no value") << "name =" << QVariant() << Refused;
-        QTest::newRow("bare word") << "name = abc" << QVariant() << Refused;
-        QTest::newRow("two conditions") << "name = 'a' AND n = 1" << QVariant() << Refused;
-        QTest::newRow("LIKE suffix") << "name LIKE '%ab'" << QVariant() << Refused;
-        QTest::newRow("LIKE inner wildcard") << "name LIKE 'a%b'" << QVariant() << Refused;
-        QTest::newRow("LIKE number") << "name LIKE 12" << QVariant() << Refused;
-        QTest::newRow("unclosed bracket") << "[name = 'a'" << QVariant() << Refused;
-        QTest::newRow("empty") << "" << QVariant() << Refused;
+        auto row = [](const char *tag, const char16_t *criterion, const char16_t *value,
+                      Expected expected) {
+            QTest::newRow(tag) << QString::fromUtf16(criterion) << QString::fromUtf16(value)
+                               << expected;
+        };
+        row("= blanks count", u"v = 'abc'", u"'abc '", NoMatch);
+        row("= any case, column too", u"V = 'ABC'", u"'abc'", Match);
+        row("[bracketed column]", u"[v] = 'x'", u"'x'", Match);
+        row("<> text, Null skipped", u"v <> 'abc'", u"'abd'", Match);
+        row("< text ignores case", u"v < 'b'", u"'A'", Match);
+        row("< number, 64-bit", u"v < 10", u"10", NoMatch);
+        row("< number over text digits", u"v < 10", u"'9'", Match);
+        row(">= fraction", u"v >= 2.5", u"2.5", Match);
+        row("> fraction", u"v > 2.5", u"2.5", NoMatch);
+        row("<= exponent, no blanks", u"v<=-1e2", u"-100", Match);
+        row("quoted digits vs number", u"v = '017'", u"17", Match);
+        row("LIKE prefix elsewhere", u"v LIKE 'ab%'", u"'xab'", NoMatch);
+        row("LIKE prefix *", u"v like 'AB*'", u"'abc'", Match);
+        row("LIKE contains *", u"v LIKE '*bc*'", u"'xABCx'", Match);
+        row("LIKE whole", u"v LIKE 'abc'", u"'ABC'", Match);
+        row("LIKE whole longer", u"v LIKE 'abc'", u"'abcd'", NoMatch);
+        row("LIKE % Null", u"v LIKE '%'", u"NULL", NoMatch);
+        row("LIKE over a number", u"v LIKE '1%'", u"12", Match);
+        row("LIKE Cyrillic case", u"v LIKE 'ив%'", u"'Иванов'", Match);
+        row("#iso# = date text", u"v = #2024-01-05#", u"'2024-01-05'", Match);
+        row("#M/d/yyyy# < date text", u"v < #1/6/2024#", u"'2024-01-05'", Match);
+        row("#date# time counts", u"v = #2024-01-05#", u"'2024-01-05 00:01'", NoMatch);
+        row("#text#", u"v = #WA#", u"'wa'", Match);
+        row("unclosed quote", u"v = 'abc", u"1", Refused);
+        row("apostrophe inside", u"v = 'O'Brien'", u"'O''Brien'", Refused);
+        row("no operator", u"v 'abc'", u"1", Refused);
+        row("no value", u"v =", u"1", Refused);
+        row("bare word", u"v = abc", u"1", Refused);
+        row("two conditions", u"v = 'a' AND v = 1", u"1", Refused);
+        row("LIKE suffix", u"v LIKE '%ab'", u"1", Refused);
+        row("LIKE inner wildcard", u"v LIKE 'a%b'", u"1", Refused);
+        row("LIKE number", u"v LIKE 12", u"1", Refused);
+        row("unclosed bracket", u"[v = 'a'", u"1", Refused);
+        row("unknown column", u"w = 1", u"1", Refused);
+        row("empty", u"", u"1", Refused);
     }
-
+    // Find from C++ (from the first record, forward), then FindFirst by name, as a host calls it.
     void matches()
     {
         QFETCH(QString, criterion);
-        QFETCH(QVariant, value);
+        QFETCH(QString, value);
         QFETCH(Expected, expected);
-        try {
-            const bool matched = Criterion(criterion).matches(value);
-            QVERIFY2(expected != Refused, "the criterion was accepted");
-            QCOMPARE(matched, expected == Match);
-        } catch (const Error &e) {
-            QCOMPARE(expected, Refused);
-            QCOMPARE(e.number(), 3001);
-            QVERIFY(e.message().contains(criterion));
-        }
+        Recordset rs;
+        rs.Open(QString(u"SELECT NULL AS v UNION ALL SELECT "_qs + value),
+                QVariant::fromValue<QObject *>(&m_db));
+        const int error = expected == Refused ? 3001 : 0;
+        QString message;
+        QCOMPARE(errorOf([&] { rs.Find(criterion, 0, 1, 1); }, &message), error);
+        QVERIFY2(!error || message.contains(criterion), qPrintable(message));
+        QCOMPARE(rs.absolutePosition(), expected == Match ? 2 : (error ? 1 : -3)); // EOF: none
+
+        rs.MoveFirst();
+        bool invoked = false;
+        QCOMPARE(errorOf([&] {
+                     invoked
+                         = QMetaObject::invokeMethod(&rs, "FindFirst", Q_ARG(QString, criterion));
+                 }),
+                 error);
+        QVERIFY(invoked || error);
+        QCOMPARE(rs.absolutePosition(), expected == Match ? 2 : 1); // no match: it stays
+        if (!error)
+            QCOMPARE(rs.property("NoMatch").toBool(), expected == NoMatch);
     }
 };
 

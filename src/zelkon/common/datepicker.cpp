@@ -2,6 +2,7 @@
 #include <zelkon/common/error.h>
 #include <zelkon/common/keycodes_p.h>
 #include <zelkon/common/platform.h>
+#include <zelkon/common/variants.h>
 
 #include <QApplication>
 #include <QCalendarWidget>
@@ -9,14 +10,13 @@
 #include <QKeyEvent>
 #include <QLineEdit>
 #include <QMouseEvent>
+#include <QPointer>
 #include <QRegularExpression>
 #include <QScopedValueRollback>
 
 namespace zelkon {
 
 namespace {
-
-const QString allText = QStringLiteral("All");
 
 // The picker's own format: the locale's short date, always with four-digit years, since a
 // two-digit year would fold every date into one century.
@@ -70,45 +70,147 @@ QString qtFormat(const QString &format)
     return result;
 }
 
+// The edit shows the value's own date and time of day. It holds them as UTC, which has no zone to
+// look up: every local date and time asks the system for its zone, and a local time that falls
+// into a daylight saving gap would be moved.
+QDateTime shown(const QDateTime &value)
+{
+    return QDateTime(value.date(), value.time(), Qt::UTC);
+}
+
 } // namespace
+
+class DatePickerPrivate
+{
+public:
+    explicit DatePickerPrivate(DatePicker *picker)
+        : q(picker)
+        , edit(new QDateTimeEdit(picker))
+        , all(new QLineEdit(picker))
+        , value(QDateTime(Platform::current().today(), QTime(0, 0)))
+        , min(QDateTime(QDate(1601, 1, 1), QTime(0, 0)))
+        , max(QDateTime(QDate(9999, 12, 31), QTime(0, 0)))
+    { }
+
+    QDateTime clamped(const QDateTime &date) const;
+    void showValue();
+    void applyFormat();
+    void applyRange();
+    void hookCalendar();
+
+    DatePicker *q;
+    QDateTimeEdit *edit;
+    QLineEdit *all;
+    QDateTime value;
+    QDateTime min;
+    QDateTime max;
+    QString customFormat;
+    bool upDown = false;
+    bool updating = false;
+    QPointer<QObject> calendarPopup;
+};
 
 DatePicker::DatePicker(QWidget *parent)
     : QWidget(parent)
-    , m_edit(new QDateTimeEdit(this))
-    , m_all(new QLineEdit(this))
-    , m_value(QDateTime(Platform::current().today(), QTime(0, 0)))
-    , m_min(QDateTime(QDate(1601, 1, 1), QTime(0, 0)))
-    , m_max(QDateTime(QDate(9999, 12, 31), QTime(0, 0)))
+    , d(std::make_unique<DatePickerPrivate>(this))
 {
     setFocusPolicy(Qt::StrongFocus);
-    m_edit->setObjectName(QStringLiteral("edit"));
-    m_all->setObjectName(QStringLiteral("all"));
-    m_all->setReadOnly(true);
-    m_all->setText(allText);
-    m_all->hide();
-    m_edit->setCalendarPopup(true);
-    m_edit->setCorrectionMode(QAbstractSpinBox::CorrectToNearestValue);
+    d->edit->setObjectName(QStringLiteral("edit"));
+    d->all->setObjectName(QStringLiteral("all"));
+    d->all->setReadOnly(true);
+    d->all->setText(allText());
+    d->all->hide();
+    d->edit->setTimeSpec(Qt::UTC);
+    d->edit->setCalendarPopup(true);
+    d->edit->setCorrectionMode(QAbstractSpinBox::CorrectToNearestValue);
 
-    m_edit->installEventFilter(this);
-    if (auto *line = m_edit->findChild<QLineEdit *>())
+    d->edit->installEventFilter(this);
+    if (auto *line = d->edit->findChild<QLineEdit *>())
         line->installEventFilter(this);
-    m_all->installEventFilter(this);
+    d->all->installEventFilter(this);
 
-    connect(m_edit, &QDateTimeEdit::dateTimeChanged, this, [this](const QDateTime &edited) {
-        if (m_updating)
+    connect(d->edit, &QDateTimeEdit::dateTimeChanged, this, [this](const QDateTime &edited) {
+        if (d->updating)
             return;
         // The edit shows only the sections of the format; the rest of the value is kept.
-        const QDateTime value = clamped(edited);
-        if (value == m_value)
+        const QDateTime value = d->clamped(QDateTime(edited.date(), edited.time()));
+        if (value == d->value)
             return;
-        m_value = value;
+        d->value = value;
         Q_EMIT Change();
     });
 
-    applyRange();
-    applyFormat();
-    showValue();
+    d->applyRange();
+    d->applyFormat();
+    d->showValue();
     updateAccessibleNames();
+}
+
+DatePicker::~DatePicker() = default;
+
+QDateTime DatePicker::Value() const
+{
+    return d->value;
+}
+
+QDateTime DatePicker::MinDate() const
+{
+    return d->min;
+}
+
+QDateTime DatePicker::MaxDate() const
+{
+    return d->max;
+}
+
+QString DatePicker::CustomFormat() const
+{
+    return d->customFormat;
+}
+
+bool DatePicker::UpDown() const
+{
+    return d->upDown;
+}
+
+qint16 DatePicker::Year() const
+{
+    return qint16(d->value.date().year());
+}
+
+qint16 DatePicker::Month() const
+{
+    return qint16(d->value.date().month());
+}
+
+qint16 DatePicker::Day() const
+{
+    return qint16(d->value.date().day());
+}
+
+qint16 DatePicker::DayOfWeek() const
+{
+    return qint16(d->value.date().dayOfWeek() % 7 + 1);
+}
+
+qint16 DatePicker::Hour() const
+{
+    return qint16(d->value.time().hour());
+}
+
+qint16 DatePicker::Minute() const
+{
+    return qint16(d->value.time().minute());
+}
+
+qint16 DatePicker::Second() const
+{
+    return qint16(d->value.time().second());
+}
+
+QDateTimeEdit *DatePicker::dateEdit() const
+{
+    return d->edit;
 }
 
 void DatePicker::updateAccessibleNames()
@@ -116,10 +218,10 @@ void DatePicker::updateAccessibleNames()
     const QString name = accessibleName();
     const QString description
         = accessibleDescription().isEmpty() ? toolTip() : accessibleDescription();
-    m_edit->setAccessibleName(name.isEmpty() ? tr("Date") : name);
-    m_edit->setAccessibleDescription(description);
-    m_all->setAccessibleName(name.isEmpty() ? tr("Any date") : tr("%1: any date").arg(name));
-    m_all->setAccessibleDescription(description);
+    d->edit->setAccessibleName(name.isEmpty() ? tr("Date") : name);
+    d->edit->setAccessibleDescription(description);
+    d->all->setAccessibleName(name.isEmpty() ? tr("Any date") : tr("%1: any date").arg(name));
+    d->all->setAccessibleDescription(description);
 }
 
 bool DatePicker::event(QEvent *event)
@@ -131,27 +233,27 @@ bool DatePicker::event(QEvent *event)
 
 bool DatePicker::inRange(const QDateTime &date) const
 {
-    return date.date() >= m_min.date() && date.date() <= m_max.date();
+    return date.date() >= d->min.date() && date.date() <= d->max.date();
 }
 
-QDateTime DatePicker::clamped(const QDateTime &value) const
+QDateTime DatePickerPrivate::clamped(const QDateTime &date) const
 {
-    if (value.date() < m_min.date())
-        return QDateTime(m_min.date(), m_value.time());
-    if (value.date() > m_max.date())
-        return QDateTime(m_max.date(), m_value.time());
-    return value;
+    if (date.date() < min.date())
+        return QDateTime(min.date(), value.time());
+    if (date.date() > max.date())
+        return QDateTime(max.date(), value.time());
+    return date;
 }
 
 void DatePicker::setValue(const QDateTime &value)
 {
     if (!value.isValid())
         throw Error(TypeMismatch);
-    const QDateTime v = clamped(value);
-    if (v == m_value)
+    const QDateTime v = d->clamped(value);
+    if (v == d->value)
         return;
-    m_value = v;
-    showValue();
+    d->value = v;
+    d->showValue();
     Q_EMIT Change();
 }
 
@@ -159,99 +261,99 @@ void DatePicker::setMinDate(const QDateTime &date)
 {
     if (!date.isValid())
         throw Error(TypeMismatch);
-    if (date.date() > m_max.date())
+    if (date.date() > d->max.date())
         throw Error(InvalidProcedureCall);
-    m_min = date;
-    applyRange();
-    setValue(m_value);
+    d->min = date;
+    d->applyRange();
+    setValue(d->value);
 }
 
 void DatePicker::setMaxDate(const QDateTime &date)
 {
     if (!date.isValid())
         throw Error(TypeMismatch);
-    if (date.date() < m_min.date())
+    if (date.date() < d->min.date())
         throw Error(InvalidProcedureCall);
-    m_max = date;
-    applyRange();
-    setValue(m_value);
+    d->max = date;
+    d->applyRange();
+    setValue(d->value);
 }
 
 void DatePicker::setCustomFormat(const QString &format)
 {
-    if (format == m_customFormat)
+    if (format == d->customFormat)
         return;
-    m_customFormat = format;
-    applyFormat();
+    d->customFormat = format;
+    d->applyFormat();
 }
 
 void DatePicker::setUpDown(bool upDown)
 {
-    if (upDown == m_upDown)
+    if (upDown == d->upDown)
         return;
-    m_upDown = upDown;
-    m_edit->setCalendarPopup(!upDown);
+    d->upDown = upDown;
+    d->edit->setCalendarPopup(!upDown);
 }
 
 bool DatePicker::showsAll() const
 {
-    return m_customFormat == allText;
+    return d->customFormat == allText();
 }
 
-void DatePicker::showValue()
+void DatePickerPrivate::showValue()
 {
-    const QScopedValueRollback<bool> guard(m_updating, true);
-    m_edit->setDateTime(m_value);
+    const QScopedValueRollback<bool> guard(updating, true);
+    edit->setDateTime(shown(value));
 }
 
-void DatePicker::applyRange()
+void DatePickerPrivate::applyRange()
 {
-    const QScopedValueRollback<bool> guard(m_updating, true);
-    m_edit->setDateTimeRange(QDateTime(m_min.date(), QTime(0, 0)),
-                             QDateTime(m_max.date(), QTime(23, 59, 59, 999)));
-    m_edit->setDateTime(m_value);
+    const QScopedValueRollback<bool> guard(updating, true);
+    edit->setDateTimeRange(QDateTime(min.date(), QTime(0, 0), Qt::UTC),
+                           QDateTime(max.date(), QTime(23, 59, 59, 999), Qt::UTC));
+    edit->setDateTime(shown(value));
 }
 
-void DatePicker::applyFormat()
+void DatePickerPrivate::applyFormat()
 {
     QWidget *focus = QApplication::focusWidget();
-    const bool hadFocus = focus && (focus == this || isAncestorOf(focus));
-    if (showsAll()) {
-        m_all->show();
-        m_edit->hide();
-        setFocusProxy(m_all);
+    const bool hadFocus = focus && (focus == q || q->isAncestorOf(focus));
+    if (q->showsAll()) {
+        all->show();
+        edit->hide();
+        q->setFocusProxy(all);
     } else {
         {
-            const QScopedValueRollback<bool> guard(m_updating, true);
+            const QScopedValueRollback<bool> guard(updating, true);
             const QLocale locale = Platform::current().numberLocale();
-            m_edit->setLocale(locale);
-            m_edit->setDisplayFormat(m_customFormat.isEmpty() ? shortDateFormat(locale)
-                                                              : qtFormat(m_customFormat));
-            m_edit->setDateTime(m_value);
+            edit->setLocale(locale);
+            edit->setDisplayFormat(customFormat.isEmpty() ? shortDateFormat(locale)
+                                                          : qtFormat(customFormat));
+            edit->setDateTime(shown(value));
         }
-        m_edit->show();
-        m_all->hide();
-        setFocusProxy(m_edit);
+        edit->show();
+        all->hide();
+        q->setFocusProxy(edit);
     }
     if (hadFocus)
-        setFocus();
+        q->setFocus();
 }
 
-void DatePicker::hookCalendar()
+void DatePickerPrivate::hookCalendar()
 {
-    QCalendarWidget *calendar = m_edit->calendarWidget();
+    QCalendarWidget *calendar = edit->calendarWidget();
     if (!calendar)
         return;
     QWidget *popup = calendar->window();
-    if (popup == m_calendarPopup || popup == window())
+    if (popup == calendarPopup || popup == q->window())
         return;
-    popup->installEventFilter(this);
-    m_calendarPopup = popup;
+    popup->installEventFilter(q);
+    calendarPopup = popup;
 }
 
 bool DatePicker::eventFilter(QObject *watched, QEvent *event)
 {
-    if (watched == m_calendarPopup) {
+    if (watched == d->calendarPopup) {
         if (event->type() == QEvent::Show)
             Q_EMIT DropDown();
         else if (event->type() == QEvent::Hide)
@@ -265,10 +367,10 @@ bool DatePicker::eventFilter(QObject *watched, QEvent *event)
         break;
     case QEvent::MouseButtonPress:
         // The calendar is made the first time it may open, and watched from then on.
-        hookCalendar();
+        d->hookCalendar();
         break;
     case QEvent::KeyPress: {
-        hookCalendar();
+        d->hookCalendar();
         // A key travels from the focus widget to its parents; it is reported once, where it lands.
         if (watched != QApplication::focusWidget())
             break;
@@ -297,18 +399,18 @@ bool DatePicker::eventFilter(QObject *watched, QEvent *event)
 
 void DatePicker::resizeEvent(QResizeEvent *)
 {
-    m_edit->setGeometry(rect());
-    m_all->setGeometry(rect());
+    d->edit->setGeometry(rect());
+    d->all->setGeometry(rect());
 }
 
 QSize DatePicker::sizeHint() const
 {
-    return m_edit->sizeHint();
+    return d->edit->sizeHint();
 }
 
 QSize DatePicker::minimumSizeHint() const
 {
-    return m_edit->minimumSizeHint();
+    return d->edit->minimumSizeHint();
 }
 
 } // namespace zelkon

@@ -4,14 +4,17 @@
 #include <zelkon/common/global.h>
 
 #include <QDateTime>
-#include <QPointer>
 #include <QWidget>
 
+#include <memory>
+
 class QDateTimeEdit;
-class QLineEdit;
 
 namespace zelkon {
 
+class DatePickerPrivate;
+
+// The date picker that RelDate shows in absolute mode; hosts meet it as the control's child.
 class ZELKON_EXPORT DatePicker : public QWidget
 {
     Q_OBJECT
@@ -30,39 +33,40 @@ class ZELKON_EXPORT DatePicker : public QWidget
 
 public:
     explicit DatePicker(QWidget *parent = nullptr);
+    ~DatePicker() override;
 
-    QDateTime Value() const { return m_value; }
+    QDateTime Value() const;
     // Clamped to [MinDate, MaxDate] by calendar day: a date outside the range becomes the bound's
     // day with the picker's current time of day. Raises Change when the value moves, whether the
     // user or the code moved it. An invalid date throws zelkon::Error 13.
     void setValue(const QDateTime &value);
-    QDateTime MinDate() const { return m_min; }
+    QDateTime MinDate() const;
     // Only the calendar day of a bound counts. A bound that would cross the other one throws
     // zelkon::Error 5 and changes nothing.
     void setMinDate(const QDateTime &date);
-    QDateTime MaxDate() const { return m_max; }
+    QDateTime MaxDate() const;
     void setMaxDate(const QDateTime &date);
     // Whether the picker takes the date as it is: its calendar day lies within the bounds' days.
     bool inRange(const QDateTime &date) const;
     // Empty: the short date format of the platform's locale. The text "All" is no format: the
     // picker then shows the word All instead of a date until another format is set.
-    QString CustomFormat() const { return m_customFormat; }
+    QString CustomFormat() const;
     void setCustomFormat(const QString &format);
-    bool UpDown() const { return m_upDown; }
+    bool UpDown() const;
     void setUpDown(bool upDown);
 
-    qint16 Year() const { return qint16(m_value.date().year()); }
-    qint16 Month() const { return qint16(m_value.date().month()); }
-    qint16 Day() const { return qint16(m_value.date().day()); }
+    qint16 Year() const;
+    qint16 Month() const;
+    qint16 Day() const;
     // 1 = Sunday .. 7 = Saturday.
-    qint16 DayOfWeek() const { return qint16(m_value.date().dayOfWeek() % 7 + 1); }
-    qint16 Hour() const { return qint16(m_value.time().hour()); }
-    qint16 Minute() const { return qint16(m_value.time().minute()); }
-    qint16 Second() const { return qint16(m_value.time().second()); }
+    qint16 DayOfWeek() const;
+    qint16 Hour() const;
+    qint16 Minute() const;
+    qint16 Second() const;
 
     // Whether the word All is shown instead of a date.
     bool showsAll() const;
-    QDateTimeEdit *dateEdit() const { return m_edit; }
+    QDateTimeEdit *dateEdit() const;
     // The inner date edit and the word All are named after the picker's own accessible name and
     // description ("Date" when it has none); the word All says that any date is meant. Runs on
     // show and on focus; call it after renaming the picker while it is shown.
@@ -86,21 +90,8 @@ protected:
     void resizeEvent(QResizeEvent *event) override;
 
 private:
-    QDateTime clamped(const QDateTime &value) const;
-    void showValue();
-    void applyFormat();
-    void applyRange();
-    void hookCalendar();
-
-    QDateTimeEdit *m_edit;
-    QLineEdit *m_all;
-    QDateTime m_value;
-    QDateTime m_min;
-    QDateTime m_max;
-    QString m_customFormat;
-    bool m_upDown = false;
-    bool m_updating = false;
-    QPointer<QObject> m_calendarPopup;
+    friend class DatePickerPrivate;
+    std::unique_ptr<DatePickerPrivate> d;
 };
 
 } // namespace zelkon

@@ -24,6 +24,32 @@ constexpr KeyPair keyTable[] = {
     {Qt::Key_Apostrophe, 222},
 };
 
+// The letter (65 .. 90) whose place a key holds on a US keyboard, or 0. The platform's key codes
+// of letters name places, not characters: under a layout whose letter keys type no Latin letter
+// (Russian, Greek, ...) the T key still gives the code of T, so that letter shortcuts work
+// whichever layout is active.
+int letterByPlace(const QKeyEvent *event)
+{
+#if defined(Q_OS_WIN)
+    // Windows' virtual keys already are these codes.
+    const quint32 key = event->nativeVirtualKey();
+    return key >= 'A' && key <= 'Z' ? int(key) : 0;
+#else
+#if defined(Q_OS_MACOS)
+    // Virtual key codes of the places, from 0.
+    static constexpr char places[] = "ASDFHGZXCV.BQWERYT.............OU.IP.LJ.K....NM";
+    const qint64 index = qint64(event->nativeVirtualKey());
+#else
+    // Scan codes of the places, from 16; X11 and Wayland report them with 8 added.
+    static constexpr char places[] = "QWERTYUIOP....ASDFGHJKL.....ZXCVBNM";
+    const qint64 index = qint64(event->nativeScanCode()) - 8 - 16;
+#endif
+    if (index < 0 || index >= qint64(sizeof(places)) - 1 || places[index] == '.')
+        return 0;
+    return places[index];
+#endif
+}
+
 } // namespace
 
 int keyCode(const QKeyEvent *event)
@@ -52,6 +78,11 @@ int keyCode(const QKeyEvent *event)
     }
     if ((key >= Qt::Key_0 && key <= Qt::Key_9) || (key >= Qt::Key_A && key <= Qt::Key_Z))
         return key; // Qt and the platform agree on digits and letters
+    // A letter of another script: Qt names the key by the character it types.
+    if (key > 0 && key < 0x110000 && QChar::isLetter(char32_t(key))) {
+        if (const int letter = letterByPlace(event))
+            return letter;
+    }
     if (key >= Qt::Key_F1 && key <= Qt::Key_F12)
         return KeyF1 + (key - Qt::Key_F1);
     for (const KeyPair &pair : keyTable) {

@@ -42,7 +42,8 @@ enum KeyCode : int {
 enum ShiftMask : qint16 { ShiftKey = 1, CtrlKey = 2, AltKey = 4 };
 enum MouseButtonCode : qint16 { LeftButtonCode = 1, RightButtonCode = 2, MiddleButtonCode = 4 };
 
-// Key code of a key press or release (0 for keys the platform has no code for).
+// Key code of a key press or release (0 for keys the platform has no code for). The letter keys
+// of a layout in another script give the codes of the Latin letters in their places.
 ZELKON_EXPORT int keyCode(const QKeyEvent *event);
 // The character code a key press types (KeyAscii): 13 for Enter, 8 for Backspace, 27 for Esc,
 // the character otherwise; 0 when the key types nothing.

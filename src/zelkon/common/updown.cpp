@@ -7,107 +7,161 @@
 
 namespace zelkon {
 
+class UpDownPrivate
+{
+public:
+    explicit UpDownPrivate(UpDown *spinner)
+        : q(spinner)
+        , up(new QToolButton(spinner))
+        , down(new QToolButton(spinner))
+    { }
+
+    void step(qint64 delta);
+    qint32 clamped(qint64 value) const;
+    void updateButtons();
+
+    UpDown *q;
+    QToolButton *up;
+    QToolButton *down;
+    qint32 value = 0;
+    qint32 min = 0;
+    qint32 max = 10;
+    qint32 increment = 1;
+    bool wrap = false;
+};
+
 UpDown::UpDown(QWidget *parent)
     : QWidget(parent)
-    , m_up(new QToolButton(this))
-    , m_down(new QToolButton(this))
+    , d(std::make_unique<UpDownPrivate>(this))
 {
     setFocusPolicy(Qt::WheelFocus);
     setSizePolicy(QSizePolicy::Fixed, QSizePolicy::Preferred);
-    for (QToolButton *button : {m_up, m_down}) {
+    for (QToolButton *button : {d->up, d->down}) {
         button->setAutoRepeat(true);
         button->setAutoRepeatDelay(400);
         button->setAutoRepeatInterval(60);
         button->setFocusPolicy(Qt::NoFocus);
         button->setAutoRaise(false);
     }
-    m_up->setObjectName(QStringLiteral("up"));
-    m_down->setObjectName(QStringLiteral("down"));
-    m_up->setArrowType(Qt::UpArrow);
-    m_down->setArrowType(Qt::DownArrow);
-    m_up->setAccessibleName(tr("Increase"));
-    m_down->setAccessibleName(tr("Decrease"));
-    connect(m_up, &QToolButton::clicked, this, [this] {
+    d->up->setObjectName(QStringLiteral("up"));
+    d->down->setObjectName(QStringLiteral("down"));
+    d->up->setArrowType(Qt::UpArrow);
+    d->down->setArrowType(Qt::DownArrow);
+    d->up->setAccessibleName(tr("Increase"));
+    d->down->setAccessibleName(tr("Decrease"));
+    connect(d->up, &QToolButton::clicked, this, [this] {
         stepUp();
         Q_EMIT UpClick();
     });
-    connect(m_down, &QToolButton::clicked, this, [this] {
+    connect(d->down, &QToolButton::clicked, this, [this] {
         stepDown();
         Q_EMIT DownClick();
     });
-    updateButtons();
+    d->updateButtons();
 }
 
-qint32 UpDown::clamped(qint64 value) const
+UpDown::~UpDown() = default;
+
+qint32 UpDownPrivate::clamped(qint64 v) const
 {
-    const qint64 low = qMin(m_min, m_max);
-    const qint64 high = qMax(m_min, m_max);
-    return qint32(qBound(low, value, high));
+    const qint64 low = qMin(min, max);
+    const qint64 high = qMax(min, max);
+    return qint32(qBound(low, v, high));
+}
+
+qint32 UpDown::Value() const
+{
+    return d->value;
 }
 
 void UpDown::setValue(qint32 value)
 {
-    const qint32 v = clamped(value);
-    if (v == m_value)
+    const qint32 v = d->clamped(value);
+    if (v == d->value)
         return;
-    m_value = v;
-    updateButtons();
+    d->value = v;
+    d->updateButtons();
     Q_EMIT Change();
+}
+
+qint32 UpDown::Min() const
+{
+    return d->min;
 }
 
 void UpDown::setMin(qint32 min)
 {
-    m_min = min;
-    setValue(m_value);
-    updateButtons();
+    d->min = min;
+    setValue(d->value);
+    d->updateButtons();
+}
+
+qint32 UpDown::Max() const
+{
+    return d->max;
 }
 
 void UpDown::setMax(qint32 max)
 {
-    m_max = max;
-    setValue(m_value);
-    updateButtons();
+    d->max = max;
+    setValue(d->value);
+    d->updateButtons();
+}
+
+qint32 UpDown::Increment() const
+{
+    return d->increment;
 }
 
 void UpDown::setIncrement(qint32 increment)
 {
-    m_increment = increment == 0 ? 1 : increment;
+    d->increment = increment == 0 ? 1 : increment;
 }
 
-void UpDown::step(qint64 delta)
+bool UpDown::Wrap() const
+{
+    return d->wrap;
+}
+
+void UpDown::setWrap(bool wrap)
+{
+    d->wrap = wrap;
+}
+
+void UpDownPrivate::step(qint64 delta)
 {
     // With the limits given the other way round the arrows run the other way, as a spinner does.
-    if (m_min > m_max)
+    if (min > max)
         delta = -delta;
-    const qint64 low = qMin(m_min, m_max);
-    const qint64 high = qMax(m_min, m_max);
-    qint64 next = qint64(m_value) + delta;
-    if (m_wrap) {
+    const qint64 low = qMin(min, max);
+    const qint64 high = qMax(min, max);
+    qint64 next = qint64(value) + delta;
+    if (wrap) {
         if (next > high)
             next = low;
         else if (next < low)
             next = high;
     }
-    setValue(clamped(next));
+    q->setValue(clamped(next));
 }
 
 void UpDown::stepUp()
 {
-    step(m_increment);
+    d->step(d->increment);
 }
 
 void UpDown::stepDown()
 {
-    step(-qint64(m_increment));
+    d->step(-qint64(d->increment));
 }
 
-void UpDown::updateButtons()
+void UpDownPrivate::updateButtons()
 {
-    const qint32 low = qMin(m_min, m_max);
-    const qint32 high = qMax(m_min, m_max);
-    const bool ascending = m_min <= m_max;
-    m_up->setEnabled(isEnabled() && (m_wrap || m_value != (ascending ? high : low)));
-    m_down->setEnabled(isEnabled() && (m_wrap || m_value != (ascending ? low : high)));
+    const qint32 low = qMin(min, max);
+    const qint32 high = qMax(min, max);
+    const bool ascending = min <= max;
+    up->setEnabled(q->isEnabled() && (wrap || value != (ascending ? high : low)));
+    down->setEnabled(q->isEnabled() && (wrap || value != (ascending ? low : high)));
 }
 
 QSize UpDown::sizeHint() const
@@ -154,14 +208,14 @@ void UpDown::wheelEvent(QWheelEvent *event)
 void UpDown::resizeEvent(QResizeEvent *)
 {
     const int half = height() / 2;
-    m_up->setGeometry(0, 0, width(), half);
-    m_down->setGeometry(0, half, width(), height() - half);
+    d->up->setGeometry(0, 0, width(), half);
+    d->down->setGeometry(0, half, width(), height() - half);
 }
 
 void UpDown::changeEvent(QEvent *event)
 {
     if (event->type() == QEvent::EnabledChange)
-        updateButtons();
+        d->updateButtons();
     QWidget::changeEvent(event);
 }
 

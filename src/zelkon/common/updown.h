@@ -5,10 +5,13 @@
 
 #include <QWidget>
 
-class QToolButton;
+#include <memory>
 
 namespace zelkon {
 
+class UpDownPrivate;
+
+// The spinner that RelDate and NumEdit show beside their fields; hosts meet it as their child.
 class ZELKON_EXPORT UpDown : public QWidget
 {
     Q_OBJECT
@@ -20,18 +23,19 @@ class ZELKON_EXPORT UpDown : public QWidget
 
 public:
     explicit UpDown(QWidget *parent = nullptr);
+    ~UpDown() override;
 
-    qint32 Value() const { return m_value; }
+    qint32 Value() const;
     // Clamped between the limits; raises Change whenever the value moves, by arrow or by code.
     void setValue(qint32 value);
-    qint32 Min() const { return m_min; }
+    qint32 Min() const;
     void setMin(qint32 min);
-    qint32 Max() const { return m_max; }
+    qint32 Max() const;
     void setMax(qint32 max);
-    qint32 Increment() const { return m_increment; }
+    qint32 Increment() const;
     void setIncrement(qint32 increment);
-    bool Wrap() const { return m_wrap; }
-    void setWrap(bool wrap) { m_wrap = wrap; }
+    bool Wrap() const;
+    void setWrap(bool wrap);
 
     // What the up and down arrows do, also reachable by name.
     Q_INVOKABLE void stepUp();
@@ -52,17 +56,8 @@ protected:
     void changeEvent(QEvent *event) override;
 
 private:
-    void step(qint64 delta);
-    qint32 clamped(qint64 value) const;
-    void updateButtons();
-
-    QToolButton *m_up;
-    QToolButton *m_down;
-    qint32 m_value = 0;
-    qint32 m_min = 0;
-    qint32 m_max = 10;
-    qint32 m_increment = 1;
-    bool m_wrap = false;
+    friend class UpDownPrivate;
+    std::unique_ptr<UpDownPrivate> d;
 };
 
 } // namespace zelkon

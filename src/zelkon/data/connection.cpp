@@ -5,11 +5,21 @@
 #include <zelkon/common/registry.h>
 
 #include <QHash>
+#include <QSqlDatabase>
 #include <QSqlError>
 
 #include <atomic>
 
 namespace zelkon {
+
+class ConnectionPrivate
+{
+public:
+    void release() noexcept;
+
+    QString connectionString;
+    QString name; // QSqlDatabase connection name while open, empty while closed
+};
 
 namespace {
 
@@ -85,30 +95,46 @@ bool given(const QVariant &v)
 
 Connection::Connection(QObject *parent)
     : QObject(parent)
+    , d(std::make_unique<ConnectionPrivate>())
 { }
 
 Connection::~Connection()
 {
-    release();
+    d->release();
+}
+
+QString Connection::connectionString() const
+{
+    return d->connectionString;
 }
 
 void Connection::setConnectionString(const QString &text)
 {
     if (isOpen())
         throw Error(ObjectOpen, QStringLiteral("The connection is open"));
-    m_connectionString = text;
+    d->connectionString = text;
+}
+
+qint32 Connection::state() const
+{
+    return isOpen() ? 1 : 0;
 }
 
 bool Connection::isOpen() const
 {
-    return !m_name.isEmpty();
+    return !d->name.isEmpty();
+}
+
+QString Connection::connectionName() const
+{
+    return d->name;
 }
 
 QSqlDatabase Connection::database() const
 {
     if (!isOpen())
         throw Error(ConnectionNotUsable, QStringLiteral("The connection is closed"));
-    return QSqlDatabase::database(m_name, false);
+    return QSqlDatabase::database(d->name, false);
 }
 
 void Connection::Open(const QVariant &connectionString, const QVariant &userId,
@@ -117,7 +143,7 @@ void Connection::Open(const QVariant &connectionString, const QVariant &userId,
     Q_UNUSED(options);
     if (isOpen())
         throw Error(ObjectOpen, QStringLiteral("The connection is already open"));
-    const QString text = given(connectionString) ? CStr(connectionString) : m_connectionString;
+    const QString text = given(connectionString) ? CStr(connectionString) : d->connectionString;
 
     QHash<QString, QString> keys;
     const auto parsed = parseConnectionString(text);
@@ -170,27 +196,27 @@ void Connection::Open(const QVariant &connectionString, const QVariant &userId,
                     failure.isEmpty() ? QStringLiteral("The database could not be opened")
                                       : failure);
     }
-    m_connectionString = text;
-    m_name = name;
+    d->connectionString = text;
+    d->name = name;
 }
 
 void Connection::Close()
 {
     if (!isOpen())
         throw Error(ObjectClosed, QStringLiteral("The connection is closed"));
-    release();
+    d->release();
 }
 
-void Connection::release() noexcept
+void ConnectionPrivate::release() noexcept
 {
-    if (m_name.isEmpty())
+    if (name.isEmpty())
         return;
     {
-        QSqlDatabase db = QSqlDatabase::database(m_name, false);
+        QSqlDatabase db = QSqlDatabase::database(name, false);
         db.close();
     }
-    QSqlDatabase::removeDatabase(m_name);
-    m_name.clear();
+    QSqlDatabase::removeDatabase(name);
+    name.clear();
 }
 
 ZELKON_REGISTER_OBJECT(Connection, "ADODB.Connection");

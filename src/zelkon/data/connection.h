@@ -5,10 +5,14 @@
 #include <zelkon/common/variants.h>
 
 #include <QObject>
-#include <QSqlDatabase>
-#include <QVariant>
+
+#include <memory>
+
+class QSqlDatabase;
 
 namespace zelkon {
+
+class ConnectionPrivate;
 
 // Keys (case-insensitive): Driver (a QtSql driver, QSQLITE when none is named), Database, Host,
 // Port, User, Password, Options. A value may be wrapped in braces to hold a ';', e.g.
@@ -33,20 +37,17 @@ public:
     // Error 3704 when not open.
     Q_INVOKABLE void Close();
 
-    QString connectionString() const { return m_connectionString; }
+    QString connectionString() const;
     void setConnectionString(const QString &text); // 3705 while open
-    qint32 state() const { return isOpen() ? 1 : 0; }
+    qint32 state() const;
 
     bool isOpen() const;
     // The open database; error 3709 when the connection is closed.
     QSqlDatabase database() const;
-    QString connectionName() const { return m_name; }
+    QString connectionName() const;
 
 private:
-    void release() noexcept;
-
-    QString m_connectionString;
-    QString m_name; // QSqlDatabase connection name while open, empty while closed
+    std::unique_ptr<ConnectionPrivate> d;
 };
 
 } // namespace zelkon

@@ -29,7 +29,8 @@ bool isWildcard(QChar c)
 QDateTime readDate(const QString &text)
 {
     const QString t = text.trimmed();
-    const QDate day = QDate::fromString(t, Qt::ISODate);
+    // QDate's ISO reading stops after the day and would drop a time that follows it.
+    const QDate day = t.size() == 10 ? QDate::fromString(t, Qt::ISODate) : QDate();
     if (day.isValid())
         return QDateTime(day, QTime(0, 0));
     const QDateTime moment = QDateTime::fromString(t, Qt::ISODate);

@@ -3,20 +3,33 @@
 
 namespace zelkon {
 
+class FieldPrivate
+{
+public:
+    Recordset *recordset;
+    int index;
+};
+
 Field::Field(Recordset *recordset, int index, QObject *parent)
     : QObject(parent)
-    , m_recordset(recordset)
-    , m_index(index)
+    , d(std::make_unique<FieldPrivate>(FieldPrivate{recordset, index}))
 { }
+
+Field::~Field() = default;
 
 QVariant Field::value() const
 {
-    return m_recordset->value(m_index);
+    return d->recordset->value(d->index);
 }
 
 QString Field::name() const
 {
-    return m_recordset->fieldName(m_index);
+    return d->recordset->fieldName(d->index);
+}
+
+int Field::index() const
+{
+    return d->index;
 }
 
 } // namespace zelkon

@@ -6,8 +6,11 @@
 #include <QObject>
 #include <QVariant>
 
+#include <memory>
+
 namespace zelkon {
 
+class FieldPrivate;
 class Recordset;
 
 // A Field stands for a column position, not for one result: after the recordset is closed and
@@ -20,14 +23,14 @@ class ZELKON_EXPORT Field : public QObject
     Q_PROPERTY(QString Name READ name)
 public:
     Field(Recordset *recordset, int index, QObject *parent);
+    ~Field() override;
 
     QVariant value() const; // Null as QVariant::fromValue(nullptr); 3021 at BOF/EOF
     QString name() const;
-    int index() const { return m_index; }
+    int index() const;
 
 private:
-    Recordset *m_recordset;
-    int m_index;
+    std::unique_ptr<FieldPrivate> d;
 };
 
 } // namespace zelkon

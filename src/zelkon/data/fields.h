@@ -3,13 +3,15 @@
 
 #include <zelkon/common/global.h>
 
-#include <QList>
 #include <QObject>
 #include <QVariant>
+
+#include <memory>
 
 namespace zelkon {
 
 class Field;
+class FieldsPrivate;
 class Recordset;
 
 class ZELKON_EXPORT Fields : public QObject
@@ -18,6 +20,7 @@ class ZELKON_EXPORT Fields : public QObject
     Q_PROPERTY(qint32 Count READ count)
 public:
     explicit Fields(Recordset *recordset);
+    ~Fields() override;
 
     qint32 count() const; // 3704 while the recordset is closed
     // By ordinal (from 0) or by name (without regard to case); 3265 for neither.
@@ -25,8 +28,7 @@ public:
     zelkon::Field *item(int index);
 
 private:
-    Recordset *m_recordset;
-    QList<zelkon::Field *> m_fields; // created on first use, kept for the recordset's life
+    std::unique_ptr<FieldsPrivate> d;
 };
 
 } // namespace zelkon

@@ -7,6 +7,7 @@
 #include <zelkon/common/conversions.h>
 #include <zelkon/common/registry.h>
 
+#include <QSqlDatabase>
 #include <QSqlDriver>
 #include <QSqlError>
 #include <QSqlQuery>
@@ -15,6 +16,7 @@
 #include <algorithm>
 #include <limits>
 #include <optional>
+#include <vector>
 
 namespace zelkon {
 
@@ -45,12 +47,10 @@ QString tableSql(const QSqlDatabase &db, const QString &table)
     return QStringLiteral("SELECT * FROM ") + driver->escapeIdentifier(name, QSqlDriver::TableName);
 }
 
-} // namespace
-
 // The values of one column, in blocks of a fixed size: one growing array would be copied at
 // every growth, and blocks this small come back from the allocator warm when a recordset is
 // opened again instead of being faulted in afresh from the system.
-struct Recordset::Column
+struct Column
 {
     static constexpr int blockBits = 11;
     static constexpr int blockSize = 1 << blockBits;
@@ -68,8 +68,30 @@ struct Recordset::Column
     const QVariant &at(int row) const { return blocks[row >> blockBits][row & (blockSize - 1)]; }
 };
 
+} // namespace
+
+class RecordsetPrivate
+{
+public:
+    void load(const QSqlDatabase &db, const QString &sql);
+    void requireOpen() const;
+    void requireRecord() const;
+    int indexOf(const QString &name) const; // -1 when no field has that name (any case)
+    int findRow(const QString &criteria, int from, int step) const; // -1 when none
+
+    bool open = false;
+    bool noMatch = false;
+    int rows = 0;
+    int position = 0;
+    QStringList names;
+    std::vector<Column> columns; // column-major: a Find reads one column, block after block
+    QVariant activeConnection;
+    zelkon::Fields *fields = nullptr;
+};
+
 Recordset::Recordset(QObject *parent)
     : QObject(parent)
+    , d(std::make_unique<RecordsetPrivate>())
 { }
 
 Recordset::~Recordset() = default;
@@ -79,12 +101,12 @@ void Recordset::Open(const QVariant &source, const QVariant &activeConnection,
 {
     Q_UNUSED(cursorType);
     Q_UNUSED(lockType);
-    if (m_open)
+    if (d->open)
         throw Error(ObjectOpen, QStringLiteral("The recordset is already open"));
     const QString text = given(source) ? CStr(source).trimmed() : QString();
     if (text.isEmpty())
         throw Error(BadArguments, QStringLiteral("No source to open"));
-    const QVariant connectionArg = given(activeConnection) ? activeConnection : m_activeConnection;
+    const QVariant connectionArg = given(activeConnection) ? activeConnection : d->activeConnection;
 
     std::optional<Connection> own; // a connection string gets a connection of its own, released
                                    // as soon as the rows are in memory
@@ -112,10 +134,10 @@ void Recordset::Open(const QVariant &source, const QVariant &activeConnection,
     else if (type != CommandText)
         table = !std::any_of(text.cbegin(), text.cend(), [](QChar c) { return c.isSpace(); });
 
-    load(db, table ? tableSql(db, text) : text);
+    d->load(db, table ? tableSql(db, text) : text);
 }
 
-void Recordset::load(const QSqlDatabase &db, const QString &sql)
+void RecordsetPrivate::load(const QSqlDatabase &db, const QString &sql)
 {
     QSqlQuery query(db);
     query.setForwardOnly(true);
@@ -127,15 +149,15 @@ void Recordset::load(const QSqlDatabase &db, const QString &sql)
         throw Error(BadArguments, QStringLiteral("The source returns no records: %1").arg(sql));
     const QSqlRecord record = query.record();
     const int n = record.count();
-    QStringList names;
-    names.reserve(n);
+    QStringList loadedNames;
+    loadedNames.reserve(n);
     for (int i = 0; i < n; ++i)
-        names.append(record.fieldName(i));
-    std::vector<Column> columns(n);
+        loadedNames.append(record.fieldName(i));
+    std::vector<Column> loadedColumns(n);
     const QVariant null = nullVariant();
-    int rows = 0;
+    int count = 0;
     while (query.next()) {
-        if (rows == std::numeric_limits<int>::max())
+        if (count == std::numeric_limits<int>::max())
             throw Error(Overflow);
         for (int i = 0; i < n; ++i) {
             QVariant v = query.value(i);
@@ -143,139 +165,164 @@ void Recordset::load(const QSqlDatabase &db, const QString &sql)
                 v = null;
             else if (v.metaType().id() == QMetaType::QDate)
                 v = QDateTime(v.toDate(), QTime(0, 0)); // dates are date-times everywhere here
-            columns[i].append(std::move(v));
+            loadedColumns[i].append(std::move(v));
         }
-        ++rows;
+        ++count;
     }
     if (query.lastError().isValid())
         throw Error(DatabaseCallFailed, query.lastError().text());
 
-    m_names = std::move(names);
-    m_columns = std::move(columns);
-    m_rows = rows;
-    m_position = 0;
-    m_noMatch = false;
-    m_open = true;
+    names = std::move(loadedNames);
+    columns = std::move(loadedColumns);
+    rows = count;
+    position = 0;
+    noMatch = false;
+    open = true;
 }
 
 void Recordset::Close()
 {
-    requireOpen();
-    m_open = false;
-    m_names.clear();
-    m_columns.clear();
-    m_rows = 0;
-    m_position = 0;
-    m_noMatch = false;
+    d->requireOpen();
+    d->open = false;
+    d->names.clear();
+    d->columns.clear();
+    d->rows = 0;
+    d->position = 0;
+    d->noMatch = false;
 }
 
-void Recordset::requireOpen() const
+void RecordsetPrivate::requireOpen() const
 {
-    if (!m_open)
+    if (!open)
         throw Error(ObjectClosed,
                     QStringLiteral("Operation is not allowed when the recordset is closed"));
 }
 
-void Recordset::requireRecord() const
+void RecordsetPrivate::requireRecord() const
 {
     requireOpen();
-    if (m_position < 0 || m_position >= m_rows)
+    if (position < 0 || position >= rows)
         throw Error(NoCurrentRecord,
                     QStringLiteral("Either BOF or EOF is True: there is no current record"));
 }
 
 void Recordset::MoveFirst()
 {
-    requireOpen();
-    m_position = 0;
+    d->requireOpen();
+    d->position = 0;
 }
 
 void Recordset::MoveLast()
 {
-    requireOpen();
-    m_position = m_rows > 0 ? m_rows - 1 : 0;
+    d->requireOpen();
+    d->position = d->rows > 0 ? d->rows - 1 : 0;
 }
 
 void Recordset::MoveNext()
 {
-    requireOpen();
-    if (m_position >= m_rows)
+    d->requireOpen();
+    if (d->position >= d->rows)
         throw Error(NoCurrentRecord, QStringLiteral("MoveNext past the end of the recordset"));
-    ++m_position;
+    ++d->position;
 }
 
 void Recordset::MovePrevious()
 {
-    requireOpen();
-    if (m_position < 0 || m_rows == 0)
+    d->requireOpen();
+    if (d->position < 0 || d->rows == 0)
         throw Error(NoCurrentRecord,
                     QStringLiteral("MovePrevious before the start of the recordset"));
-    --m_position;
+    --d->position;
+}
+
+bool Recordset::isOpen() const
+{
+    return d->open;
+}
+
+qint32 Recordset::state() const
+{
+    return d->open ? 1 : 0;
+}
+
+bool Recordset::noMatch() const
+{
+    return d->noMatch;
+}
+
+QVariant Recordset::activeConnection() const
+{
+    return d->activeConnection;
 }
 
 bool Recordset::atEOF() const
 {
-    requireOpen();
-    return m_position >= m_rows;
+    d->requireOpen();
+    return d->position >= d->rows;
 }
 
 bool Recordset::atBOF() const
 {
-    requireOpen();
-    return m_position < 0 || m_rows == 0;
+    d->requireOpen();
+    return d->position < 0 || d->rows == 0;
 }
 
 qint32 Recordset::recordCount() const
 {
-    requireOpen();
-    return m_rows;
+    d->requireOpen();
+    return d->rows;
 }
 
 qint32 Recordset::absolutePosition() const
 {
-    requireOpen();
-    if (m_position >= m_rows)
+    d->requireOpen();
+    if (d->position >= d->rows)
         return PositionEOF;
-    if (m_position < 0)
+    if (d->position < 0)
         return PositionBOF;
-    return m_position + 1;
+    return d->position + 1;
 }
 
 void Recordset::setAbsolutePosition(qint32 position)
 {
-    requireOpen();
-    if (position < 1 || position > m_rows)
+    d->requireOpen();
+    if (position < 1 || position > d->rows)
         throw Error(BadArguments,
                     QStringLiteral("AbsolutePosition %1 is out of range").arg(position));
-    m_position = position - 1;
+    d->position = position - 1;
 }
 
 void Recordset::setActiveConnection(const QVariant &connection)
 {
-    if (m_open)
+    if (d->open)
         throw Error(ObjectOpen, QStringLiteral("The recordset is open"));
-    m_activeConnection = connection;
+    d->activeConnection = connection;
 }
 
 int Recordset::fieldCount() const
 {
-    requireOpen();
-    return int(m_names.size());
+    d->requireOpen();
+    return int(d->names.size());
 }
 
 QString Recordset::fieldName(int field) const
 {
-    requireOpen();
-    if (field < 0 || field >= m_names.size())
+    d->requireOpen();
+    if (field < 0 || field >= d->names.size())
         throw Error(ItemNotFound, QStringLiteral("No field number %1").arg(field));
-    return m_names.at(field);
+    return d->names.at(field);
 }
 
 int Recordset::fieldIndex(const QString &name) const
 {
-    requireOpen();
-    for (int i = 0; i < m_names.size(); ++i) {
-        if (m_names.at(i).compare(name, Qt::CaseInsensitive) == 0)
+    d->requireOpen();
+    return d->indexOf(name);
+}
+
+int RecordsetPrivate::indexOf(const QString &name) const
+{
+    for (int i = 0; i < names.size(); ++i) {
+        if (names.at(i).compare(name, Qt::CaseInsensitive) == 0)
             return i;
     }
     return -1;
@@ -283,25 +330,25 @@ int Recordset::fieldIndex(const QString &name) const
 
 QVariant Recordset::value(int field) const
 {
-    requireRecord();
-    return value(field, m_position);
+    d->requireRecord();
+    return value(field, d->position);
 }
 
 QVariant Recordset::value(int field, int row) const
 {
-    requireOpen();
-    if (field < 0 || field >= int(m_columns.size()))
+    d->requireOpen();
+    if (field < 0 || field >= int(d->columns.size()))
         throw Error(ItemNotFound, QStringLiteral("No field number %1").arg(field));
-    if (row < 0 || row >= m_rows)
+    if (row < 0 || row >= d->rows)
         throw Error(NoCurrentRecord, QStringLiteral("No record number %1").arg(row));
-    return m_columns[field].at(row);
+    return d->columns[field].at(row);
 }
 
 zelkon::Fields *Recordset::fields()
 {
-    if (!m_fields)
-        m_fields = new zelkon::Fields(this);
-    return m_fields;
+    if (!d->fields)
+        d->fields = new zelkon::Fields(this);
+    return d->fields;
 }
 
 QObject *Recordset::fieldsObject()
@@ -314,16 +361,16 @@ QObject *Recordset::Fields(const QVariant &index)
     return fields()->Item(index);
 }
 
-int Recordset::findRow(const QString &criteria, int from, int step) const
+int RecordsetPrivate::findRow(const QString &criteria, int from, int step) const
 {
     const Criterion criterion(criteria);
-    const int column = fieldIndex(criterion.columnName());
+    const int column = indexOf(criterion.columnName());
     if (column < 0)
         throw Error(
             BadArguments,
             QStringLiteral("The criterion \"%1\" names no field of the recordset").arg(criteria));
-    const Column &values = m_columns[column];
-    for (int row = from; row >= 0 && row < m_rows; row += step) {
+    const Column &values = columns[column];
+    for (int row = from; row >= 0 && row < rows; row += step) {
         if (criterion.matches(values.at(row)))
             return row;
     }
@@ -333,7 +380,7 @@ int Recordset::findRow(const QString &criteria, int from, int step) const
 void Recordset::Find(const QString &criteria, qint32 skipRecords, qint32 searchDirection,
                      const QVariant &start)
 {
-    requireOpen();
+    d->requireOpen();
     if (searchDirection != SearchForward && searchDirection != SearchBackward)
         throw Error(BadArguments,
                     QStringLiteral("Search direction %1 is neither 1 nor -1").arg(searchDirection));
@@ -345,17 +392,17 @@ void Recordset::Find(const QString &criteria, qint32 skipRecords, qint32 searchD
     case BookmarkCurrent:
         // From BOF a forward search starts at the first record, from EOF a backward one at the
         // last: the search goes on from where the cursor stands.
-        from = m_position;
+        from = d->position;
         if (searchDirection == SearchForward && from < 0)
             from = 0;
-        if (searchDirection == SearchBackward && from >= m_rows)
-            from = m_rows - 1;
+        if (searchDirection == SearchBackward && from >= d->rows)
+            from = d->rows - 1;
         break;
     case BookmarkFirst:
         from = 0;
         break;
     case BookmarkLast:
-        from = m_rows - 1;
+        from = d->rows - 1;
         break;
     default:
         throw Error(BadArguments, QStringLiteral("Start %1 is not a known bookmark").arg(bookmark));
@@ -363,45 +410,45 @@ void Recordset::Find(const QString &criteria, qint32 skipRecords, qint32 searchD
     from += qint64(skipRecords) * searchDirection;
     // An empty range still parses the criterion, so that a bad one is refused everywhere.
     const int row
-        = findRow(criteria, (from >= 0 && from < m_rows) ? int(from) : -1, searchDirection);
-    m_noMatch = row < 0;
-    m_position = row >= 0 ? row : (searchDirection == SearchForward ? m_rows : -1);
+        = d->findRow(criteria, (from >= 0 && from < d->rows) ? int(from) : -1, searchDirection);
+    d->noMatch = row < 0;
+    d->position = row >= 0 ? row : (searchDirection == SearchForward ? d->rows : -1);
 }
 
 void Recordset::FindFirst(const QString &criteria)
 {
-    requireOpen();
-    const int row = findRow(criteria, 0, 1);
-    m_noMatch = row < 0;
+    d->requireOpen();
+    const int row = d->findRow(criteria, 0, 1);
+    d->noMatch = row < 0;
     if (row >= 0)
-        m_position = row;
+        d->position = row;
 }
 
 void Recordset::FindLast(const QString &criteria)
 {
-    requireOpen();
-    const int row = findRow(criteria, m_rows - 1, -1);
-    m_noMatch = row < 0;
+    d->requireOpen();
+    const int row = d->findRow(criteria, d->rows - 1, -1);
+    d->noMatch = row < 0;
     if (row >= 0)
-        m_position = row;
+        d->position = row;
 }
 
 void Recordset::FindNext(const QString &criteria)
 {
-    requireOpen();
-    const int row = findRow(criteria, std::max(m_position + 1, 0), 1);
-    m_noMatch = row < 0;
+    d->requireOpen();
+    const int row = d->findRow(criteria, std::max(d->position + 1, 0), 1);
+    d->noMatch = row < 0;
     if (row >= 0)
-        m_position = row;
+        d->position = row;
 }
 
 void Recordset::FindPrevious(const QString &criteria)
 {
-    requireOpen();
-    const int row = findRow(criteria, std::min(m_position, m_rows) - 1, -1);
-    m_noMatch = row < 0;
+    d->requireOpen();
+    const int row = d->findRow(criteria, std::min(d->position, d->rows) - 1, -1);
+    d->noMatch = row < 0;
     if (row >= 0)
-        m_position = row;
+        d->position = row;
 }
 
 ZELKON_REGISTER_OBJECT(Recordset, "ADODB.Recordset");

@@ -4,14 +4,10 @@
 #include <zelkon/common/global.h>
 #include <zelkon/common/variants.h>
 
-#include <QList>
 #include <QObject>
-#include <QStringList>
 #include <QVariant>
 
-#include <vector>
-
-class QSqlDatabase;
+#include <memory>
 
 // The C library's EOF macro would turn the property's name into "(-1)" for moc; only moc's own
 // view of this header loses it, C++ code keeps the macro.
@@ -21,8 +17,8 @@ class QSqlDatabase;
 
 namespace zelkon {
 
-class Connection;
 class Fields;
+class RecordsetPrivate;
 
 // Positions: -1 is BOF, 0 .. RecordCount-1 a record, RecordCount is EOF. An empty recordset is at
 // BOF and EOF at once. Every member of a closed recordset raises 3704; reading a field or moving
@@ -82,15 +78,15 @@ public:
     QObject *fieldsObject();
     zelkon::Fields *fields();
 
-    bool isOpen() const { return m_open; }
-    qint32 state() const { return m_open ? 1 : 0; }
+    bool isOpen() const;
+    qint32 state() const;
     bool atEOF() const;
     bool atBOF() const;
     qint32 recordCount() const;
     qint32 absolutePosition() const; // 1-based; -2 at BOF, -3 at EOF
     void setAbsolutePosition(qint32 position); // 1 .. RecordCount, else 3001
-    bool noMatch() const { return m_noMatch; }
-    QVariant activeConnection() const { return m_activeConnection; }
+    bool noMatch() const;
+    QVariant activeConnection() const;
     void setActiveConnection(const QVariant &connection);
 
     int fieldCount() const;
@@ -100,20 +96,7 @@ public:
     QVariant value(int field, int row) const; // any record's value, row from 0
 
 private:
-    struct Column;
-    void load(const QSqlDatabase &db, const QString &sql);
-    void requireOpen() const;
-    void requireRecord() const;
-    int findRow(const QString &criteria, int from, int step) const; // -1 when none
-
-    bool m_open = false;
-    bool m_noMatch = false;
-    int m_rows = 0;
-    int m_position = 0;
-    QStringList m_names;
-    std::vector<Column> m_columns; // column-major: a Find reads one column, block after block
-    QVariant m_activeConnection;
-    zelkon::Fields *m_fields = nullptr;
+    std::unique_ptr<RecordsetPrivate> d;
 };
 
 } // namespace zelkon

@@ -1,4 +1,4 @@
-#include <zelkon/numedit/displayformat.h>
+#include <zelkon/numedit/displayformat_p.h>
 
 namespace zelkon {
 
@@ -21,11 +21,6 @@ void DisplayFormat::setDigits(qint16 digits)
         return;
     m_digits = digits;
     m_pattern = NumberPattern(pattern(digits));
-}
-
-QString DisplayFormat::format(double value, const QLocale &locale) const
-{
-    return m_pattern.format(value, locale);
 }
 
 } // namespace zelkon

@@ -7,14 +7,13 @@
 #include <zelkon/common/propertybag.h>
 #include <zelkon/common/registry.h>
 #include <zelkon/common/updown.h>
+#include <zelkon/numedit/displayformat_p.h>
 #include <zelkon/numedit/numedit.h>
 
 #include <QApplication>
 #include <QKeyEvent>
 #include <QLineEdit>
-#include <QPainter>
 #include <QTimer>
-#include <qdrawutil.h>
 
 #include <cmath>
 
@@ -26,425 +25,210 @@ namespace {
 
 // The focus record is compared with the real focus this often while the control is shown.
 constexpr int focusPollInterval = 5;
+// Width of the size hint in average characters: room for a grouped amount with decimals.
+constexpr int hintChars = 15;
+constexpr int minimumHintChars = 4;
 
 QLocale numberLocale()
 {
     return Platform::current().numberLocale();
 }
 
+// The factor of a multiplier key (T a thousand, M a million, Y a thousand million), else 0.
+double multiplier(int code)
+{
+    switch (code) {
+    case KeyA + ('T' - 'A'):
+        return 1e3;
+    case KeyA + ('M' - 'A'):
+        return 1e6;
+    case KeyA + ('Y' - 'A'):
+        return 1e9;
+    default:
+        return 0;
+    }
+}
+
 } // namespace
 
-NumEdit::NumEdit(QWidget *parent)
-    : Control(parent)
-    , m_text(new QLineEdit(this))
-    , m_upDown(new UpDown(this))
-    , m_focusTimer(new QTimer(this))
-    , m_textColor(SystemWindowText)
-    , m_negTextColor(SystemWindowText)
-    , m_backTextColor(SystemWindowBackground)
+class NumEditPrivate
 {
-    m_text->setObjectName(QStringLiteral("Text1"));
-    m_text->setAccessibleName(tr("Number"));
-    m_text->setFrame(false);
-    m_text->setMouseTracking(true); // mouse moves are reported without a button held
-    m_text->installEventFilter(this);
-    setFocusProxy(m_text);
-    setFocusPolicy(m_text->focusPolicy());
+public:
+    explicit NumEditPrivate(NumEdit *q);
 
-    // Hosts find the spinner by name, but nothing steps it and the layout gives it no place, so it
-    // stays out of sight.
-    m_upDown->setObjectName(QStringLiteral("UpDown"));
-    m_upDown->setAccessibleName(tr("Spinner"));
-    m_upDown->hide();
+    void DetectDecimalSeparator();
+    void ClampToRange();
+    void FormatDisplay();
 
-    m_focusTimer->setObjectName(QStringLiteral("tmFocus"));
-    m_focusTimer->setInterval(focusPollInterval);
-    connect(m_focusTimer, &QTimer::timeout, this, [this] { syncFocus(); });
-    connect(m_text, &QLineEdit::textChanged, this, [this] { textChanged(); });
+    void textChanged();
+    // True when the key is consumed.
+    bool keyDown(QKeyEvent *event);
+    bool keyPress(QKeyEvent *event);
+    void keyUp(QKeyEvent *event);
+    void focusGained();
+    void focusLost();
+    void syncFocus();
 
-    m_format.setDigits(m_digNum);
-    updateFrame();
-    DetectDecimalSeparator();
-    FormatDisplay();
-    m_lastText = m_text->text();
-}
+    bool locked() const { return text->isReadOnly(); }
+    bool limitsActive() const { return !(minValue == 0 && maxValue == 0); }
+    QString plainText() const { return value == 0 ? QString() : CStr(value); } // empty for 0
+    int selStart() const;
+    void writeText(const QString &newText); // with the suppress-change flag set
+    void applyTextColor(quint32 color) { applyOleColor(text, QPalette::Text, color); }
+    void applySignColor() { applyTextColor(value >= 0 ? textColor : negTextColor); }
+    void updateFrame();
+    void relayout();
 
-NumEdit::~NumEdit()
-{
-    // The text box outlives this part of the object while QWidget deletes its children: it must
-    // not call back into it (a focus change or a text change during destruction).
-    m_focusTimer->stop();
-    m_text->removeEventFilter(this);
-    disconnect(m_text, nullptr, this, nullptr);
-}
+    NumEdit *const q;
+    QLineEdit *const text;
+    UpDown *const upDown;
+    QTimer *const focusTimer;
 
-// ---- persistence
+    QVariant tag;
+    double value = 0;
+    double savedValue = 0;
+    double minValue = 0;
+    double maxValue = 0;
+    qint16 digNum = 0;
+    quint32 textColor = SystemWindowText;
+    quint32 negTextColor = SystemWindowText;
+    quint32 backTextColor = SystemWindowBackground;
+    qint16 border = 1;
+    qint16 appearance = 1;
+    QString lastText;
+    QChar decimalSeparator = QLatin1Char('.');
+    QChar foreignSeparator = QLatin1Char(',');
+    bool suppressChange = false;
+    bool editing = false;
+    bool hasFocus = false;
+    bool textAccepted = false;
+    bool retyping = false;
+    DisplayFormat format;
+};
 
-void NumEdit::InitProperties()
-{
-    DetectDecimalSeparator();
-    FormatDisplay();
-    m_lastText = m_text->text();
-}
-
-void NumEdit::ReadProperties(PropertyBag &bag)
-{
-    attempt([&] { m_value = CDbl(bag.ReadProperty(QStringLiteral("Value"), 0.0)); });
-    attempt([&] {
-        const qint16 digits = CInt(bag.ReadProperty(QStringLiteral("DigNum"), qint16(2)));
-        m_digNum = digits < 0 ? qint16(0) : digits;
-        m_format.setDigits(m_digNum);
-    });
-    attempt([&] { FormatDisplay(); });
-    attempt([&] {
-        m_textColor = oleColorFromVariant(
-            bag.ReadProperty(QStringLiteral("TextColor"), quint32(SystemWindowText)));
-    });
-    attempt([&] {
-        m_negTextColor = oleColorFromVariant(
-            bag.ReadProperty(QStringLiteral("NegTextColor"), quint32(SystemWindowText)));
-    });
-    applyTextColor(m_value >= 0 ? m_textColor : m_negTextColor);
-    attempt([&] {
-        m_backTextColor = oleColorFromVariant(
-            bag.ReadProperty(QStringLiteral("BackTextColor"), quint32(SystemWindowBackground)));
-        applyOleColor(m_text, QPalette::Base, m_backTextColor);
-    });
-    attempt(
-        [&] { m_text->setReadOnly(CBool(bag.ReadProperty(QStringLiteral("LockEdits"), false))); });
-    // The limits are stored as read, without clamping: the value saved with them is already
-    // within them, and clamping against a half-loaded range would change it.
-    attempt([&] { m_minValue = CDbl(bag.ReadProperty(QStringLiteral("MinValue"), 0.0)); });
-    attempt([&] { m_maxValue = CDbl(bag.ReadProperty(QStringLiteral("MaxValue"), 0.0)); });
-    readExtent(*this, bag, ExtentKeys::SizeOnly);
-    attempt([&] {
-        m_text->setEnabled(CBool(bag.ReadProperty(QStringLiteral("Enabled"), isEnabledProperty())));
-    });
-    attempt([&] {
-        const qint16 appearance = CInt(bag.ReadProperty(QStringLiteral("Appearance"), qint16(1)));
-        if (appearance == 0 || appearance == 1)
-            m_appearance = appearance;
-    });
-    attempt([&] {
-        const qint16 border = CInt(bag.ReadProperty(QStringLiteral("Border"), qint16(1)));
-        if (border == 0 || border == 1)
-            m_border = border;
-    });
-    updateFrame();
-    m_lastText = m_text->text();
-}
-
-void NumEdit::WriteProperties(PropertyBag &bag)
-{
-    ignoreErrors({
-        [&] { bag.WriteProperty(QStringLiteral("Value"), m_value, 0.0); },
-        [&] { bag.WriteProperty(QStringLiteral("DigNum"), m_digNum, qint16(2)); },
-        [&] {
-            bag.WriteProperty(QStringLiteral("TextColor"), m_textColor, quint32(SystemWindowText));
-        },
-        [&] {
-            bag.WriteProperty(QStringLiteral("NegTextColor"), m_negTextColor,
-                              quint32(SystemWindowText));
-        },
-        [&] {
-            bag.WriteProperty(QStringLiteral("BackTextColor"), m_backTextColor,
-                              quint32(SystemWindowBackground));
-        },
-        [&] { bag.WriteProperty(QStringLiteral("LockEdits"), LockEdits(), false); },
-        [&] { bag.WriteProperty(QStringLiteral("MinValue"), m_minValue, 0.0); },
-        [&] { bag.WriteProperty(QStringLiteral("MaxValue"), m_maxValue, 0.0); },
-        // Size and Enabled are written with their current state as the default, so in effect
-        // nothing is stored for them: forms saved so far rely on the container's own size, and a
-        // reloaded control keeps the enabled state it is created with.
-        [&] { writeExtent(*this, bag, ExtentKeys::SizeOnly); },
-        [&] {
-            bag.WriteProperty(QStringLiteral("Enabled"), isEnabledProperty(), isEnabledProperty());
-        },
-        [&] { bag.WriteProperty(QStringLiteral("Appearance"), m_appearance, qint16(1)); },
-        [&] { bag.WriteProperty(QStringLiteral("Border"), m_border, qint16(1)); },
-    });
-}
-
-// ---- properties
-
-double NumEdit::Value()
-{
-    if (!m_editing)
-        FormatDisplay();
-    return m_value;
-}
-
-void NumEdit::setValue(double value)
-{
-    if (!std::isfinite(value))
-        return; // no text could show it
-    if (limitsActive()) {
-        if (value < m_minValue)
-            value = m_minValue;
-        if (value > m_maxValue)
-            value = m_maxValue;
-    }
-    m_value = value;
-    // While editing the text is written without suppression, so the change processing raises
-    // ChangeValue. The text box stays silent for the text it already holds, and that silence is
-    // kept: it ends the exchange with a host that assigns Value from its ChangeValue handler.
-    if (m_editing)
-        m_text->setText(CStr(m_value));
-    else
-        FormatDisplay();
-    m_suppressChange = false;
-    Q_EMIT PropertyChanged(QStringLiteral("Value"));
-}
-
-void NumEdit::setTextColor(quint32 color)
-{
-    if (m_value >= 0)
-        applyTextColor(color);
-    m_textColor = color;
-    Q_EMIT PropertyChanged(QStringLiteral("TextColor"));
-}
-
-void NumEdit::setNegTextColor(quint32 color)
-{
-    if (m_value < 0)
-        applyTextColor(color);
-    m_negTextColor = color;
-    Q_EMIT PropertyChanged(QStringLiteral("NegTextColor"));
-}
-
-void NumEdit::setDigNum(qint16 digits)
-{
-    m_digNum = digits < 0 ? qint16(0) : digits;
-    m_format.setDigits(m_digNum);
-    if (!m_editing) {
-        const int caret = m_text->cursorPosition();
-        FormatDisplay();
-        m_text->setCursorPosition(caret);
-    }
-    Q_EMIT PropertyChanged(QStringLiteral("DigNum"));
-}
-
-void NumEdit::setBackTextColor(quint32 color)
-{
-    applyOleColor(m_text, QPalette::Base, color);
-    m_backTextColor = color;
-    Q_EMIT PropertyChanged(QStringLiteral("BackTextColor"));
-}
-
-bool NumEdit::LockEdits() const
-{
-    return m_text->isReadOnly();
-}
-
-void NumEdit::setLockEdits(bool locked)
-{
-    m_text->setReadOnly(locked);
-    Q_EMIT PropertyChanged(QStringLiteral("LockEdits"));
-}
-
-QString NumEdit::FontName() const
-{
-    return m_text->font().family();
-}
-
-void NumEdit::setFontName(const QString &name)
-{
-    if (name.isEmpty())
-        return;
-    QFont f = font();
-    f.setFamily(name);
-    setFont(f);
-    m_text->setFont(f);
-    relayout();
-}
-
-qint16 NumEdit::FontSize() const
-{
-    const QFont f = m_text->font();
-    const qreal points = f.pointSizeF();
-    return points > 0 ? qint16(qRound(points)) : qint16(0);
-}
-
-void NumEdit::setFontSize(qint16 points)
-{
-    if (points <= 0)
-        return;
-    QFont f = font();
-    f.setPointSize(points);
-    setFont(f);
-    m_text->setFont(f);
-    relayout();
-}
-
-void NumEdit::setBorder(qint16 border)
-{
-    if (border == 0 || border == 1) {
-        m_border = border;
-        updateFrame();
-    }
-    Q_EMIT PropertyChanged(QStringLiteral("Border"));
-}
-
-void NumEdit::setAppearance(qint16 appearance)
-{
-    if (appearance == 0 || appearance == 1) {
-        m_appearance = appearance;
-        updateFrame();
-    }
-    Q_EMIT PropertyChanged(QStringLiteral("Appearance"));
-}
-
-void NumEdit::setMinValue(double value)
-{
-    m_minValue = value;
-    ClampToRange();
-    Q_EMIT PropertyChanged(QStringLiteral("MinValue"));
-}
-
-void NumEdit::setMaxValue(const QVariant &value)
-{
-    attempt([&] { m_maxValue = CDbl(value); });
-    ClampToRange();
-    Q_EMIT PropertyChanged(QStringLiteral("MaxValue"));
-}
-
-bool NumEdit::isEnabledProperty() const
-{
-    return m_text->isEnabledTo(this);
-}
-
-void NumEdit::setEnabledProperty(bool enabled)
-{
-    m_text->setEnabled(enabled);
-    Q_EMIT PropertyChanged(QStringLiteral("Enabled"));
-}
+NumEditPrivate::NumEditPrivate(NumEdit *q)
+    : q(q)
+    , text(new QLineEdit(q))
+    , upDown(new UpDown(q))
+    , focusTimer(new QTimer(q))
+    , format(digNum)
+{ }
 
 // ---- editing logic
 
-void NumEdit::DetectDecimalSeparator()
+void NumEditPrivate::DetectDecimalSeparator()
 {
     const QString sample = CStr(0.6);
     if (sample.isEmpty())
         return;
-    m_decimalSeparator = sample.size() == 3 ? sample.at(1) : sample.at(0);
-    m_foreignSeparator
-        = m_decimalSeparator != QLatin1Char('.') ? QLatin1Char('.') : QLatin1Char(',');
+    decimalSeparator = sample.size() == 3 ? sample.at(1) : sample.at(0);
+    foreignSeparator = decimalSeparator != QLatin1Char('.') ? QLatin1Char('.') : QLatin1Char(',');
 }
 
-void NumEdit::ClampToRange()
+void NumEditPrivate::ClampToRange()
 {
     if (!limitsActive())
         return;
     // Both bounds are tried in turn, each with its own beep, so a contradictory range (a minimum
     // above the maximum) ends on the maximum after two corrections.
-    if (m_value < m_minValue) {
-        m_value = m_minValue;
+    const auto correct = [this](double bound) {
+        value = bound;
         Platform::current().beep();
-        writeText(CStr(m_value));
-        Q_EMIT ChangeValue();
-    }
-    if (m_value > m_maxValue) {
-        m_value = m_maxValue;
-        Platform::current().beep();
-        writeText(CStr(m_value));
-        Q_EMIT ChangeValue();
-    }
+        writeText(CStr(value));
+        Q_EMIT q->ChangeValue();
+    };
+    if (value < minValue)
+        correct(minValue);
+    if (value > maxValue)
+        correct(maxValue);
 }
 
-void NumEdit::FormatDisplay()
+void NumEditPrivate::FormatDisplay()
 {
-    writeText(m_format.format(m_value, numberLocale()));
+    writeText(format.format(value, numberLocale()));
 }
 
-void NumEdit::textChanged()
+void NumEditPrivate::textChanged()
 {
-    if (m_suppressChange)
+    if (suppressChange)
         return;
     const int caret = selStart();
-    const QString text = m_text->text();
-    const QString separator(m_decimalSeparator);
+    const QString typed = text->text();
+    const QString separator(decimalSeparator);
     // The beginnings of a number that cannot be parsed yet stay as typed.
-    if (text == QLatin1Char('+') + separator || text == QLatin1Char('-') + separator
-        || text == separator || text == QLatin1String("+") || text == QLatin1String("-")) {
-        m_value = 0;
-        Q_EMIT ChangeValue();
+    if (typed == QLatin1Char('+') + separator || typed == QLatin1Char('-') + separator
+        || typed == separator || typed == QLatin1String("+") || typed == QLatin1String("-")) {
+        value = 0;
+        Q_EMIT q->ChangeValue();
         return;
     }
-    if (text.isEmpty()) {
-        m_value = 0;
-    } else if (double number = 0; parseNumber(text, numberLocale(), &number)) {
-        m_value = number;
+    if (typed.isEmpty()) {
+        value = 0;
+    } else if (double number = 0; parseNumber(typed, numberLocale(), &number)) {
+        value = number;
         // A number beyond the limits is held (and shown) as typed until the field loses the
         // focus: the user may still be on the way to a valid one, as in typing 1 on the way to 15
         // with a minimum of 10.
-        if (limitsActive() && (m_value < m_minValue || m_value > m_maxValue))
+        if (limitsActive() && (value < minValue || value > maxValue))
             return;
-        m_textAccepted = true;
+        textAccepted = true;
     } else {
         // Written without suppression: the change processing runs again for the rewritten text
         // and raises ChangeValue there too. Hosts count on that second notification, so it stays.
-        m_text->setText(plainText());
-        const int length = int(m_text->text().size());
-        m_text->setCursorPosition(qBound(0, caret - 1, length));
-        m_textAccepted = false;
+        text->setText(plainText());
+        text->setCursorPosition(qBound(0, caret - 1, int(text->text().size())));
+        textAccepted = false;
     }
-    m_lastText = m_text->text();
-    applyTextColor(m_value >= 0 ? m_textColor : m_negTextColor);
-    Q_EMIT ChangeValue();
+    lastText = text->text();
+    applySignColor();
+    Q_EMIT q->ChangeValue();
 }
 
-bool NumEdit::keyDown(QKeyEvent *event)
+bool NumEditPrivate::keyDown(QKeyEvent *event)
 {
-    if (LockEdits())
+    if (locked())
         return false;
     const int code = keyCode(event);
-    double factor = 0;
     switch (code) {
     case KeyEscape:
-        m_value = m_savedValue;
-        break;
-    case KeyA + ('M' - 'A'):
-        factor = 1e6;
-        break;
-    case KeyA + ('Y' - 'A'):
-        factor = 1e9;
-        break;
-    case KeyA + ('T' - 'A'):
-        factor = 1e3;
-        break;
+        value = savedValue;
+        writeText(plainText());
+        Q_EMIT q->ChangeValue();
+        // Consumed: the field's Escape undoes the edit; it must not also cancel the dialog.
+        return true;
     case KeyReturn:
         Platform::current().sendKeys(QStringLiteral("{TAB}"));
         return true;
     case KeyLeft:
         if (selStart() < 1)
-            Q_EMIT ArrowKeyUp(qint16(code));
+            Q_EMIT q->ArrowKeyUp(qint16(code));
         return false;
     case KeyRight:
-        if (selStart() >= m_text->text().size())
-            Q_EMIT ArrowKeyUp(qint16(code));
+        if (selStart() >= text->text().size())
+            Q_EMIT q->ArrowKeyUp(qint16(code));
         return false;
     case KeyUp:
     case KeyDown:
     case KeyPageUp:
     case KeyPageDown:
-        Q_EMIT ArrowKeyUp(qint16(code));
+        Q_EMIT q->ArrowKeyUp(qint16(code));
         return false;
     default:
+        break;
+    }
+    const double factor = multiplier(code);
+    if (factor == 0)
         return false;
-    }
-    if (factor != 0) {
-        // No range check here: the limits apply when the field loses the focus. A product beyond
-        // the double range is refused and the value stays.
-        const double product = m_value * factor;
-        if (std::isfinite(product))
-            m_value = product;
-    }
+    // No range check here: the limits apply when the field loses the focus. A product beyond the
+    // double range is refused and the value stays.
+    if (const double product = value * factor; std::isfinite(product))
+        value = product;
     writeText(plainText());
-    Q_EMIT ChangeValue();
-    return false;
+    Q_EMIT q->ChangeValue();
+    return true; // the letter itself is never typed
 }
 
-bool NumEdit::keyPress(QKeyEvent *event)
+bool NumEditPrivate::keyPress(QKeyEvent *event)
 {
     const int ascii = keyAscii(event);
     // Control characters (Backspace, Tab, Enter, and Ctrl+C/V/X/A/Z for the clipboard and undo)
@@ -453,16 +237,15 @@ bool NumEdit::keyPress(QKeyEvent *event)
         return false;
     const QChar c(ascii);
     if (c == QLatin1Char('.') || c == QLatin1Char(',')) {
-        if (c != m_foreignSeparator)
+        if (c != foreignSeparator)
             return false;
         // Either separator key types the locale's own, so both keyboards work in both locales.
-        QKeyEvent replaced(QEvent::KeyPress,
-                           m_decimalSeparator == QLatin1Char(',') ? Qt::Key_Comma : Qt::Key_Period,
-                           event->modifiers(), QString(m_decimalSeparator), event->isAutoRepeat(),
-                           event->count());
-        m_retyping = true;
-        QCoreApplication::sendEvent(m_text, &replaced);
-        m_retyping = false;
+        QKeyEvent replaced(
+            QEvent::KeyPress, decimalSeparator == QLatin1Char(',') ? Qt::Key_Comma : Qt::Key_Period,
+            event->modifiers(), QString(decimalSeparator), event->isAutoRepeat(), event->count());
+        retyping = true;
+        QCoreApplication::sendEvent(text, &replaced);
+        retyping = false;
         return true;
     }
     if (c == QLatin1Char('+') || c == QLatin1Char('-'))
@@ -470,151 +253,452 @@ bool NumEdit::keyPress(QKeyEvent *event)
     return !(c >= QLatin1Char('0') && c <= QLatin1Char('9'));
 }
 
-void NumEdit::keyUp(QKeyEvent *event)
+void NumEditPrivate::keyUp(QKeyEvent *event)
 {
-    if (LockEdits() || keyCode(event) != KeyDecimal || m_textAccepted)
+    if (locked() || keyCode(event) != KeyDecimal || textAccepted)
         return;
     // The keypad's decimal key typed a separator the field refused: type the locale's own.
     DetectDecimalSeparator();
-    const int key = m_decimalSeparator == QLatin1Char(',') ? Qt::Key_Comma : Qt::Key_Period;
-    QKeyEvent press(QEvent::KeyPress, key, Qt::NoModifier, QString(m_decimalSeparator));
-    QCoreApplication::sendEvent(m_text, &press);
-    QKeyEvent release(QEvent::KeyRelease, key, Qt::NoModifier, QString(m_decimalSeparator));
-    QCoreApplication::sendEvent(m_text, &release);
+    const int key = decimalSeparator == QLatin1Char(',') ? Qt::Key_Comma : Qt::Key_Period;
+    QKeyEvent press(QEvent::KeyPress, key, Qt::NoModifier, QString(decimalSeparator));
+    QCoreApplication::sendEvent(text, &press);
+    QKeyEvent release(QEvent::KeyRelease, key, Qt::NoModifier, QString(decimalSeparator));
+    QCoreApplication::sendEvent(text, &release);
 }
 
-void NumEdit::focusGained()
+void NumEditPrivate::focusGained()
 {
-    m_hasFocus = true;
-    if (LockEdits())
+    hasFocus = true;
+    if (locked())
         return;
-    m_focusTimer->start();
-    m_editing = true;
-    m_savedValue = m_value;
-    const bool suppressed = m_suppressChange;
-    m_suppressChange = true;
-    m_text->setText(plainText());
-    m_text->setSelection(0, int(m_text->text().size()));
-    m_suppressChange = suppressed;
-    Q_EMIT GotFocusEvent();
+    focusTimer->start();
+    editing = true;
+    savedValue = value;
+    writeText(plainText());
+    text->setSelection(0, int(text->text().size()));
+    Q_EMIT q->GotFocusEvent();
 }
 
-void NumEdit::focusLost()
+void NumEditPrivate::focusLost()
 {
-    m_hasFocus = false;
-    if (LockEdits())
+    hasFocus = false;
+    if (locked())
         return;
     ClampToRange();
-    const bool suppressed = m_suppressChange;
-    m_suppressChange = true;
     FormatDisplay();
-    m_editing = false;
-    m_suppressChange = suppressed;
-    Q_EMIT LostFocusEvent();
+    editing = false;
+    Q_EMIT q->LostFocusEvent();
 }
 
-void NumEdit::syncFocus()
+void NumEditPrivate::syncFocus()
 {
     // The window losing activation (or a context menu opening) leaves the focus widget as it is:
     // only a real move of the focus counts.
-    const bool focused = QApplication::focusWidget() == m_text;
-    if (focused && !m_hasFocus)
+    const bool focused = QApplication::focusWidget() == text;
+    if (focused && !hasFocus)
         focusGained();
-    else if (!focused && m_hasFocus)
+    else if (!focused && hasFocus)
         focusLost();
 }
 
 // ---- helpers
 
-QString NumEdit::plainText() const
+int NumEditPrivate::selStart() const
 {
-    return m_value == 0 ? QString() : CStr(m_value);
+    return text->hasSelectedText() ? text->selectionStart() : text->cursorPosition();
 }
 
-int NumEdit::selStart() const
+void NumEditPrivate::writeText(const QString &newText)
 {
-    return m_text->hasSelectedText() ? m_text->selectionStart() : m_text->cursorPosition();
+    const bool suppressed = suppressChange;
+    suppressChange = true;
+    text->setText(newText);
+    suppressChange = suppressed;
 }
 
-void NumEdit::writeText(const QString &text)
+void NumEditPrivate::updateFrame()
 {
-    const bool suppressed = m_suppressChange;
-    m_suppressChange = true;
-    m_text->setText(text);
-    m_suppressChange = suppressed;
-}
-
-void NumEdit::applyTextColor(quint32 color)
-{
-    applyOleColor(m_text, QPalette::Text, color);
-}
-
-void NumEdit::updateFrame()
-{
-    const int frame = m_border == 0 ? 0 : (m_appearance == 0 ? 1 : 2);
-    setContentsMargins(frame, frame, frame, frame);
+    q->setFrameLook(appearance, border);
     relayout();
-    update();
 }
 
-void NumEdit::relayout()
+void NumEditPrivate::relayout()
 {
     // The text box fills the client area but for two pixels at the bottom.
-    const QRect client = contentsRect();
-    m_text->setGeometry(client.x(), client.y(), client.width(), qMax(0, client.height() - 2));
-    updateGeometry();
+    const QRect client = q->contentsRect();
+    text->setGeometry(client.x(), client.y(), client.width(), qMax(0, client.height() - 2));
+    q->updateGeometry();
+}
+
+// ---- NumEdit
+
+NumEdit::NumEdit(QWidget *parent)
+    : Control(parent)
+    , d(std::make_unique<NumEditPrivate>(this))
+{
+    d->text->setObjectName(QStringLiteral("Text1"));
+    d->text->setAccessibleName(tr("Number"));
+    d->text->setFrame(false);
+    d->text->setMouseTracking(true); // mouse moves are reported without a button held
+    d->text->installEventFilter(this);
+    forwardMouse(d->text);
+    setFocusProxy(d->text);
+    setFocusPolicy(d->text->focusPolicy());
+
+    // Hosts find the spinner by name, but nothing steps it and the layout gives it no place, so it
+    // stays out of sight.
+    d->upDown->setObjectName(QStringLiteral("UpDown"));
+    d->upDown->setAccessibleName(tr("Spinner"));
+    d->upDown->hide();
+
+    d->focusTimer->setObjectName(QStringLiteral("tmFocus"));
+    d->focusTimer->setInterval(focusPollInterval);
+    connect(d->focusTimer, &QTimer::timeout, this, [this] { d->syncFocus(); });
+    connect(d->text, &QLineEdit::textChanged, this, [this] { d->textChanged(); });
+
+    d->updateFrame();
+    d->DetectDecimalSeparator();
+    d->FormatDisplay();
+    d->lastText = d->text->text();
+}
+
+NumEdit::~NumEdit()
+{
+    // The text box outlives this part of the object while QWidget deletes its children: it must
+    // not call back into it (a focus change or a text change during destruction).
+    d->focusTimer->stop();
+    d->text->removeEventFilter(this);
+    disconnect(d->text, nullptr, this, nullptr);
+}
+
+// ---- persistence
+
+void NumEdit::InitProperties()
+{
+    // A newly placed field keeps the digit count it was created with (none); only a saved form
+    // that lacks the key falls back to two decimals.
+    d->DetectDecimalSeparator();
+    d->FormatDisplay();
+    d->lastText = d->text->text();
+}
+
+void NumEdit::ReadProperties(PropertyBag &bag)
+{
+    attempt([&] { d->value = CDbl(bag.ReadProperty(QStringLiteral("Value"), 0.0)); });
+    attempt([&] {
+        const qint16 digits = CInt(bag.ReadProperty(QStringLiteral("DigNum"), qint16(2)));
+        d->digNum = qMax(digits, qint16(0));
+    });
+    d->format.setDigits(d->digNum);
+    attempt([&] { d->FormatDisplay(); });
+    const auto readColor = [&](const char *key, quint32 &field, quint32 defaultColor) {
+        attempt([&] {
+            field = oleColorFromVariant(bag.ReadProperty(QLatin1String(key), defaultColor));
+        });
+    };
+    readColor("TextColor", d->textColor, SystemWindowText);
+    readColor("NegTextColor", d->negTextColor, SystemWindowText);
+    d->applySignColor();
+    readColor("BackTextColor", d->backTextColor, SystemWindowBackground);
+    applyOleColor(d->text, QPalette::Base, d->backTextColor);
+    attempt(
+        [&] { d->text->setReadOnly(CBool(bag.ReadProperty(QStringLiteral("LockEdits"), false))); });
+    // The limits are stored as read, without clamping: the value saved with them is already
+    // within them, and clamping against a half-loaded range would change it.
+    attempt([&] { d->minValue = CDbl(bag.ReadProperty(QStringLiteral("MinValue"), 0.0)); });
+    attempt([&] { d->maxValue = CDbl(bag.ReadProperty(QStringLiteral("MaxValue"), 0.0)); });
+    readExtent(*this, bag, ExtentKeys::SizeOnly);
+    attempt([&] { applyEnabled(CBool(bag.ReadProperty(QStringLiteral("Enabled"), Enabled()))); });
+    const auto readStyle = [&](const char *key, qint16 &field) {
+        attempt([&] {
+            const qint16 style = CInt(bag.ReadProperty(QLatin1String(key), qint16(1)));
+            if (style == 0 || style == 1)
+                field = style;
+        });
+    };
+    readStyle("Appearance", d->appearance);
+    readStyle("Border", d->border);
+    d->updateFrame();
+    d->lastText = d->text->text();
+}
+
+void NumEdit::WriteProperties(PropertyBag &bag)
+{
+    const auto write = [&](const char *key, const QVariant &value, const QVariant &defaultValue) {
+        return [&bag, key, value, defaultValue] {
+            bag.WriteProperty(QLatin1String(key), value, defaultValue);
+        };
+    };
+    // Size and Enabled are written with their current state as the default, so in effect nothing
+    // is stored for them: forms saved so far rely on the container's own size, and a reloaded
+    // control keeps the enabled state it is created with.
+    ignoreErrors({
+        write("Value", d->value, 0.0),
+        write("DigNum", d->digNum, qint16(2)),
+        write("TextColor", d->textColor, quint32(SystemWindowText)),
+        write("NegTextColor", d->negTextColor, quint32(SystemWindowText)),
+        write("BackTextColor", d->backTextColor, quint32(SystemWindowBackground)),
+        write("LockEdits", LockEdits(), false),
+        write("MinValue", d->minValue, 0.0),
+        write("MaxValue", d->maxValue, 0.0),
+        [&] { writeExtent(*this, bag, ExtentKeys::SizeOnly); },
+        write("Enabled", Enabled(), Enabled()),
+        write("Appearance", d->appearance, qint16(1)),
+        write("Border", d->border, qint16(1)),
+    });
+}
+
+// ---- properties
+
+QVariant NumEdit::TagVariant() const
+{
+    return d->tag;
+}
+
+void NumEdit::setTagVariant(const QVariant &tag)
+{
+    d->tag = tag;
+    notifyPut(QStringLiteral("TagVariant"));
+}
+
+double NumEdit::Value()
+{
+    if (!d->editing)
+        d->FormatDisplay();
+    return d->value;
+}
+
+void NumEdit::setValue(double value)
+{
+    if (std::isfinite(value)) { // no text could show anything else
+        if (d->limitsActive()) {
+            value = qMax(value, d->minValue);
+            value = qMin(value, d->maxValue);
+        }
+        d->value = value;
+        // While editing the text is written without suppression, so the change processing raises
+        // ChangeValue. The text box stays silent for the text it already holds, and that silence
+        // is kept: it ends the exchange with a host that assigns Value from its ChangeValue
+        // handler.
+        if (d->editing)
+            d->text->setText(CStr(d->value));
+        else
+            d->FormatDisplay();
+        d->suppressChange = false;
+    }
+    notifyPut(QStringLiteral("Value"));
+}
+
+quint32 NumEdit::TextColor() const
+{
+    return d->textColor;
+}
+
+void NumEdit::setTextColor(quint32 color)
+{
+    if (d->value >= 0)
+        d->applyTextColor(color);
+    d->textColor = color;
+    notifyPut(QStringLiteral("TextColor"));
+}
+
+quint32 NumEdit::NegTextColor() const
+{
+    return d->negTextColor;
+}
+
+void NumEdit::setNegTextColor(quint32 color)
+{
+    if (d->value < 0)
+        d->applyTextColor(color);
+    d->negTextColor = color;
+    notifyPut(QStringLiteral("NegTextColor"));
+}
+
+qint16 NumEdit::DigNum() const
+{
+    return d->digNum;
+}
+
+void NumEdit::setDigNum(qint16 digits)
+{
+    d->digNum = qMax(digits, qint16(0));
+    d->format.setDigits(d->digNum);
+    if (!d->editing) {
+        const int caret = d->text->cursorPosition();
+        d->FormatDisplay();
+        d->text->setCursorPosition(caret);
+    }
+    notifyPut(QStringLiteral("DigNum"));
+}
+
+quint32 NumEdit::BackTextColor() const
+{
+    return d->backTextColor;
+}
+
+void NumEdit::setBackTextColor(quint32 color)
+{
+    put(d->backTextColor, color, QStringLiteral("BackTextColor"),
+        [this] { applyOleColor(d->text, QPalette::Base, d->backTextColor); });
+}
+
+bool NumEdit::LockEdits() const
+{
+    return d->locked();
+}
+
+void NumEdit::setLockEdits(bool locked)
+{
+    d->text->setReadOnly(locked);
+    notifyPut(QStringLiteral("LockEdits"));
+}
+
+QString NumEdit::FontName() const
+{
+    return d->text->font().family();
+}
+
+void NumEdit::setFontName(const QString &name)
+{
+    if (!name.isEmpty()) {
+        QFont f = font();
+        f.setFamily(name);
+        setFont(f); // the text box follows, and the font change lays the control out again
+    }
+    notifyPut(QStringLiteral("FontName"));
+}
+
+qint16 NumEdit::FontSize() const
+{
+    const qreal points = d->text->font().pointSizeF();
+    return points > 0 ? qint16(qRound(points)) : qint16(0);
+}
+
+void NumEdit::setFontSize(qint16 points)
+{
+    if (points > 0) {
+        QFont f = font();
+        f.setPointSize(points);
+        setFont(f);
+    }
+    notifyPut(QStringLiteral("FontSize"));
+}
+
+qint16 NumEdit::Border() const
+{
+    return d->border;
+}
+
+void NumEdit::setBorder(qint16 border)
+{
+    // Only the two styles the control draws are taken; any other number leaves the frame as it is.
+    if (border == 0 || border == 1)
+        put(d->border, border, QStringLiteral("Border"), [this] { d->updateFrame(); });
+    else
+        notifyPut(QStringLiteral("Border"));
+}
+
+qint16 NumEdit::Appearance() const
+{
+    return d->appearance;
+}
+
+void NumEdit::setAppearance(qint16 appearance)
+{
+    if (appearance == 0 || appearance == 1)
+        put(d->appearance, appearance, QStringLiteral("Appearance"), [this] { d->updateFrame(); });
+    else
+        notifyPut(QStringLiteral("Appearance"));
+}
+
+double NumEdit::MinValue() const
+{
+    return d->minValue;
+}
+
+void NumEdit::setMinValue(double value)
+{
+    d->minValue = value;
+    d->ClampToRange();
+    notifyPut(QStringLiteral("MinValue"));
+}
+
+QVariant NumEdit::MaxValue() const
+{
+    return QVariant(d->maxValue);
+}
+
+void NumEdit::setMaxValue(const QVariant &value)
+{
+    attempt([&] { d->maxValue = CDbl(value); });
+    d->ClampToRange();
+    notifyPut(QStringLiteral("MaxValue"));
+}
+
+bool NumEdit::enabledState() const
+{
+    return d->text->isEnabledTo(this);
+}
+
+void NumEdit::applyEnabled(bool enabled)
+{
+    d->text->setEnabled(enabled);
 }
 
 QSize NumEdit::sizeHint() const
 {
-    const QSize text = m_text->sizeHint();
-    const QMargins m = contentsMargins();
-    return QSize(text.width() + m.left() + m.right(), text.height() + 2 + m.top() + m.bottom());
+    return lineSizeHint(hintChars);
 }
 
 QSize NumEdit::minimumSizeHint() const
 {
-    const QSize text = m_text->minimumSizeHint();
-    const QMargins m = contentsMargins();
-    return QSize(text.width() + m.left() + m.right(), text.height() + 2 + m.top() + m.bottom());
+    return lineSizeHint(minimumHintChars);
 }
 
 // ---- events
 
+void NumEdit::childMouseEvent(QWidget *, QEvent::Type type, MouseArgs &args)
+{
+    switch (type) {
+    case QEvent::MouseButtonPress:
+    case QEvent::MouseButtonDblClick:
+        Q_EMIT MouseDown(args.Button, args.Shift, args.X, args.Y);
+        break;
+    case QEvent::MouseButtonRelease:
+        Q_EMIT MouseUp(args.Button, args.Shift, args.X, args.Y);
+        break;
+    case QEvent::MouseMove:
+        Q_EMIT MouseMove(args.Button, args.Shift, args.X, args.Y);
+        break;
+    default:
+        break;
+    }
+}
+
 bool NumEdit::eventFilter(QObject *watched, QEvent *event)
 {
-    if (watched != m_text || m_retyping)
+    if (watched != d->text || d->retyping)
         return Control::eventFilter(watched, event);
     switch (event->type()) {
+    case QEvent::ShortcutOverride:
+        // Escape undoes the edit here, before a window's shortcut (a dialog's Cancel) takes it.
+        if (!d->locked() && keyCode(static_cast<QKeyEvent *>(event)) == KeyEscape) {
+            event->accept();
+            return true;
+        }
+        break;
     case QEvent::KeyPress: {
         auto *key = static_cast<QKeyEvent *>(event);
-        if (keyDown(key))
-            return true;
-        return keyPress(key);
+        return d->keyDown(key) || d->keyPress(key);
     }
     case QEvent::KeyRelease:
-        keyUp(static_cast<QKeyEvent *>(event));
+        d->keyUp(static_cast<QKeyEvent *>(event));
         break;
     case QEvent::FocusIn:
     case QEvent::FocusOut:
-        syncFocus();
+        d->syncFocus();
         break;
-    case QEvent::MouseButtonPress:
-    case QEvent::MouseButtonDblClick: {
-        const MouseArgs a = mouseArgs(static_cast<QMouseEvent *>(event));
-        Q_EMIT MouseDown(a.Button, a.Shift, a.X, a.Y);
-        break;
-    }
-    case QEvent::MouseButtonRelease: {
-        const MouseArgs a = mouseArgs(static_cast<QMouseEvent *>(event));
-        Q_EMIT MouseUp(a.Button, a.Shift, a.X, a.Y);
-        break;
-    }
-    case QEvent::MouseMove: {
-        const MouseArgs a = mouseArgs(static_cast<QMouseEvent *>(event));
-        Q_EMIT MouseMove(a.Button, a.Shift, a.X, a.Y);
-        break;
-    }
     default:
         break;
     }
@@ -624,32 +708,19 @@ bool NumEdit::eventFilter(QObject *watched, QEvent *event)
 void NumEdit::resizeEvent(QResizeEvent *event)
 {
     Control::resizeEvent(event);
-    relayout();
-}
-
-void NumEdit::paintEvent(QPaintEvent *)
-{
-    if (m_border == 0)
-        return;
-    QPainter painter(this);
-    if (m_appearance == 0) {
-        painter.setPen(palette().color(QPalette::WindowText));
-        painter.drawRect(rect().adjusted(0, 0, -1, -1));
-    } else {
-        qDrawWinPanel(&painter, rect(), palette(), true);
-    }
+    d->relayout();
 }
 
 void NumEdit::hideEvent(QHideEvent *event)
 {
-    m_focusTimer->stop();
+    d->focusTimer->stop();
     Control::hideEvent(event);
 }
 
 void NumEdit::changeEvent(QEvent *event)
 {
     if (event->type() == QEvent::FontChange)
-        relayout();
+        d->relayout();
     Control::changeEvent(event);
 }
 

@@ -3,16 +3,14 @@
 #pragma once
 
 #include <zelkon/common/control.h>
-#include <zelkon/numedit/displayformat.h>
 
 #include <QVariant>
 
-class QLineEdit;
-class QTimer;
+#include <memory>
 
 namespace zelkon {
 
-class UpDown;
+class NumEditPrivate;
 
 class ZELKON_EXPORT NumEdit : public Control
 {
@@ -30,9 +28,7 @@ class ZELKON_EXPORT NumEdit : public Control
     Q_PROPERTY(qint16 Appearance READ Appearance WRITE setAppearance)
     Q_PROPERTY(double MinValue READ MinValue WRITE setMinValue)
     Q_PROPERTY(QVariant MaxValue READ MaxValue WRITE setMaxValue)
-    // Qt-style accessors for "Enabled" would hide QWidget::isEnabled/setEnabled, which enable the
-    // whole control; this property is the text box's own state, so its C++ names differ.
-    Q_PROPERTY(bool Enabled READ isEnabledProperty WRITE setEnabledProperty)
+    Q_PROPERTY(bool Enabled READ Enabled WRITE putEnabled)
 
 public:
     explicit NumEdit(QWidget *parent = nullptr);
@@ -42,19 +38,18 @@ public:
     void ReadProperties(PropertyBag &bag) override;
     void WriteProperties(PropertyBag &bag) override;
 
-    QVariant TagVariant() const { return m_tag; }
-    void setTagVariant(const QVariant &tag) { m_tag = tag; }
-
+    QVariant TagVariant() const;
+    void setTagVariant(const QVariant &tag);
     // Not const: while the field is not being edited, reading refreshes the formatted display.
     double Value();
     void setValue(double value);
-    quint32 TextColor() const { return m_textColor; }
+    quint32 TextColor() const;
     void setTextColor(quint32 color);
-    quint32 NegTextColor() const { return m_negTextColor; }
+    quint32 NegTextColor() const;
     void setNegTextColor(quint32 color);
-    qint16 DigNum() const { return m_digNum; }
+    qint16 DigNum() const;
     void setDigNum(qint16 digits);
-    quint32 BackTextColor() const { return m_backTextColor; }
+    quint32 BackTextColor() const;
     void setBackTextColor(quint32 color);
     bool LockEdits() const;
     void setLockEdits(bool locked);
@@ -62,16 +57,14 @@ public:
     void setFontName(const QString &name);
     qint16 FontSize() const;
     void setFontSize(qint16 points);
-    qint16 Border() const { return m_border; }
+    qint16 Border() const;
     void setBorder(qint16 border);
-    qint16 Appearance() const { return m_appearance; }
+    qint16 Appearance() const;
     void setAppearance(qint16 appearance);
-    double MinValue() const { return m_minValue; }
+    double MinValue() const;
     void setMinValue(double value);
-    QVariant MaxValue() const { return QVariant(m_maxValue); }
+    QVariant MaxValue() const;
     void setMaxValue(const QVariant &value);
-    bool isEnabledProperty() const;
-    void setEnabledProperty(bool enabled);
 
     QSize sizeHint() const override;
     QSize minimumSizeHint() const override;
@@ -86,58 +79,18 @@ Q_SIGNALS:
     void GotFocusEvent();
 
 protected:
+    // Enabled is the text box's state: a disabled field still shows its frame and its number.
+    bool enabledState() const override;
+    void applyEnabled(bool enabled) override;
+    void childMouseEvent(QWidget *child, QEvent::Type type, MouseArgs &args) override;
     bool eventFilter(QObject *watched, QEvent *event) override;
     void resizeEvent(QResizeEvent *event) override;
-    void paintEvent(QPaintEvent *event) override;
     void hideEvent(QHideEvent *event) override;
     void changeEvent(QEvent *event) override;
 
 private:
-    void DetectDecimalSeparator();
-    void ClampToRange();
-    void FormatDisplay();
-
-    void textChanged();
-    // True when the key is consumed.
-    bool keyDown(QKeyEvent *event);
-    bool keyPress(QKeyEvent *event);
-    void keyUp(QKeyEvent *event);
-    void focusGained();
-    void focusLost();
-    void syncFocus();
-
-    bool limitsActive() const { return !(m_minValue == 0 && m_maxValue == 0); }
-    QString plainText() const; // the value without grouping, empty for 0
-    int selStart() const;
-    void writeText(const QString &text); // with the suppress-change flag set
-    void applyTextColor(quint32 color);
-    void updateFrame();
-    void relayout();
-
-    QLineEdit *m_text;
-    UpDown *m_upDown;
-    QTimer *m_focusTimer;
-
-    QVariant m_tag;
-    double m_value = 0;
-    double m_savedValue = 0;
-    double m_minValue = 0;
-    double m_maxValue = 0;
-    qint16 m_digNum = 2;
-    quint32 m_textColor;
-    quint32 m_negTextColor;
-    quint32 m_backTextColor;
-    qint16 m_border = 1;
-    qint16 m_appearance = 1;
-    QString m_lastText;
-    QChar m_decimalSeparator = QLatin1Char('.');
-    QChar m_foreignSeparator = QLatin1Char(',');
-    bool m_suppressChange = false;
-    bool m_editing = false;
-    bool m_hasFocus = false;
-    bool m_textAccepted = false;
-    bool m_retyping = false;
-    DisplayFormat m_format;
+    friend class NumEditPrivate;
+    std::unique_ptr<NumEditPrivate> d;
 };
 
 } // namespace zelkon

@@ -4,25 +4,21 @@
 #include <zelkon/common/control.h>
 
 #include <QDateTime>
-#include <QEvent>
-#include <QPointF>
 #include <QVariant>
 
-class QAction;
-class QCheckBox;
-class QLineEdit;
-class QMenu;
+#include <memory>
 
 namespace zelkon {
 
-class DatePicker;
-class UpDown;
+class RelDatePrivate;
 
 // Where RelDate shows its mode check box.
 enum RelativeBoxState : qint32 { rbsNotVisible = 0, rbsRight = 1, rbsLeft = 2 };
 // Whether a RelDate follows the mode changes made on the other RelDate controls of its form.
 enum SynchroRelative : qint32 { srdNotSynchro = 0, srdSynchro = 1 };
 
+// The widget is a view over a RelativeDate: a day-count field with its spinner in relative mode, a
+// date picker in absolute mode, a mode check box and a pop-up menu.
 class ZELKON_EXPORT RelDate : public Control
 {
     Q_OBJECT
@@ -39,8 +35,8 @@ class ZELKON_EXPORT RelDate : public Control
     Q_PROPERTY(QVariant RetDate READ RetDate WRITE setRetDate)
     Q_PROPERTY(qint32 RetNum READ RetNum WRITE setRetNum)
     Q_PROPERTY(QString CustomFormat READ CustomFormat WRITE setCustomFormat)
-    // QWidget::setEnabled must stay what it is, so the accessors of "Enabled" are named apart.
-    Q_PROPERTY(bool Enabled READ Enabled WRITE setControlEnabled)
+    // QWidget::setEnabled must stay what it is, so the setter of "Enabled" is named apart.
+    Q_PROPERTY(bool Enabled READ Enabled WRITE putEnabled)
     Q_PROPERTY(QDateTime MaxDate READ MaxDate WRITE setMaxDate)
     Q_PROPERTY(QDateTime MinDate READ MinDate WRITE setMinDate)
     Q_PROPERTY(bool UpDown READ UpDown WRITE setUpDown)
@@ -59,24 +55,24 @@ public:
     void ReadProperties(PropertyBag &bag) override;
     void WriteProperties(PropertyBag &bag) override;
 
-    bool AllowAll() const { return m_allowAll; }
+    bool AllowAll() const;
     void setAllowAll(bool allow);
-    qint32 Appearance() const { return m_appearance; }
+    qint32 Appearance() const;
     void setAppearance(qint32 appearance);
-    qint32 Border() const { return m_border; }
+    qint32 Border() const;
     void setBorder(qint32 border);
-    bool SynchValue() const { return m_synchValue; }
+    bool SynchValue() const;
     void setSynchValue(bool synch);
     // A partner name that no longer names a control on the form is forgotten when read.
     QString TopControl();
     void setTopControl(const QString &name);
     QString BootControl();
     void setBootControl(const QString &name);
-    qint32 GlobalSynchro() const { return m_globalSynchro; }
+    qint32 GlobalSynchro() const;
     void setGlobalSynchro(qint32 synchro);
-    bool MenuStateVisible() const { return m_menuStateVisible; }
+    bool MenuStateVisible() const;
     void setMenuStateVisible(bool visible);
-    qint32 CheckBoxState() const { return m_checkBoxState; }
+    qint32 CheckBoxState() const;
     void setCheckBoxState(qint32 state);
 
     // Reading the mode also shows the widgets of that mode again.
@@ -89,10 +85,8 @@ public:
     qint32 RetNum();
     void setRetNum(qint32 days);
 
-    QString CustomFormat() const { return m_customFormat; }
+    QString CustomFormat() const;
     void setCustomFormat(const QString &format);
-    bool Enabled() const;
-    void setControlEnabled(bool enabled);
     QDateTime MaxDate() const;
     void setMaxDate(const QDateTime &date);
     QDateTime MinDate() const;
@@ -108,6 +102,10 @@ public:
     qint16 MinuteDate() const;
     qint16 SecondDate() const;
 
+    // One line high, as tall as the other one-line controls of a form.
+    QSize sizeHint() const override;
+    QSize minimumSizeHint() const override;
+
 Q_SIGNALS:
     void Change();
     void MouseMove();
@@ -117,77 +115,16 @@ Q_SIGNALS:
     void MouseDown(qint16 &Button, qint16 &Shift, float &X, float &Y);
 
 protected:
-    bool eventFilter(QObject *watched, QEvent *event) override;
+    // The surface's state is copied to the parts, so each part shows it even where a host or
+    // a style looks at the part alone.
+    void applyEnabled(bool enabled) override;
+    void childMouseEvent(QWidget *child, QEvent::Type type, MouseArgs &args) override;
     void resizeEvent(QResizeEvent *event) override;
-    void paintEvent(QPaintEvent *event) override;
     void showEvent(QShowEvent *event) override;
 
 private:
-    // User gestures.
-    void chRelClicked();
-    void menuRelChosen();
-    void menuCurrentDateChosen();
-    void menuDateAllChosen();
-    void dateLongChanged();
-    void dateLongUDChanged();
-    void dateViewChanged();
-    void dateViewAdopted();
-    void dateViewLeftAll();
-    void popUpMenu(const QPoint &globalPos, bool changeAfter);
-    bool mouseEvent(QWidget *child, QWidget *watched, QMouseEvent *event);
-    bool keyPressed(QKeyEvent *event);
-
-    // Partners on the same form.
-    Control *findPartner(const QString &name) const;
-    QString livePartnerName(QString &field, const QString &property);
-    void putPartnerName(QString &field, const QString &name, const QString &property);
-    void synchronizeValue();
-    void propagateMode();
-
-    void showMode();
-    void setDateLongText(const QString &text);
-    void refreshView();
-    void layoutWidgets();
-    void updateAccessibleNames();
-    int frameWidth() const;
-    QWidget *namedChildOf(QObject *watched) const;
-    void watchChild(QWidget *child);
-
-    QWidget *m_surface;
-    DatePicker *m_dateView;
-    QLineEdit *m_dateLong;
-    zelkon::UpDown *m_dateLongUD;
-    QCheckBox *m_chRel;
-    QMenu *m_popUpDate;
-    QAction *m_currentDate[2];
-    QAction *m_dateAll;
-    QAction *m_mnuRel;
-
-    // A newly placed control starts with every field zeroed; the defaults of the property table
-    // are those of saving and loading only.
-    bool m_relative = false;
-    QVariant m_date;
-    qint32 m_dayCount = 0;
-    bool m_allowAll = false;
-    qint32 m_checkBoxState = rbsNotVisible;
-    bool m_menuStateVisible = false;
-    QString m_customFormat;
-    qint32 m_globalSynchro = srdNotSynchro;
-    QString m_topControl;
-    QString m_bootControl;
-    bool m_synchValue = false;
-    qint32 m_appearance = 1;
-    qint32 m_border = 1;
-
-    bool m_loading = false;
-    bool m_dateLongGuard = false;
-    bool m_dateLongUDGuard = false;
-    bool m_synchronizing = false;
-    bool m_changeAfterMenu = false;
-    // The last mouse event reported, to report an event once when it travels on to a parent.
-    QEvent::Type m_lastMouseType = QEvent::None;
-    quint64 m_lastMouseTime = 0;
-    QPointF m_lastMousePos;
+    friend class RelDatePrivate;
+    std::unique_ptr<RelDatePrivate> d;
 };
 
 } // namespace zelkon

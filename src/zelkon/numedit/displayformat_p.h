@@ -2,7 +2,6 @@
 // while it is not being edited.
 #pragma once
 
-#include <zelkon/common/global.h>
 #include <zelkon/common/numberpattern_p.h>
 
 #include <QLocale>
@@ -10,7 +9,7 @@
 
 namespace zelkon {
 
-class ZELKON_EXPORT DisplayFormat
+class DisplayFormat
 {
 public:
     explicit DisplayFormat(qint16 digits = 0) { setDigits(digits); }
@@ -19,14 +18,12 @@ public:
     // "0" forces every decimal up to it, so the display always shows exactly `digits` decimals.
     static QString pattern(qint16 digits);
 
-    qint16 digits() const { return m_digits; }
     // Parses the pattern again only when the count changes.
     void setDigits(qint16 digits);
 
-    QString format(double value, const QLocale &locale) const;
-    QString format(double value, QChar decimalPoint, QStringView groupSeparator) const
+    QString format(double value, const QLocale &locale) const
     {
-        return m_pattern.format(value, decimalPoint, groupSeparator);
+        return m_pattern.format(value, locale);
     }
 
 private:
