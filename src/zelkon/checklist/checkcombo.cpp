@@ -430,8 +430,7 @@ QVariant CheckCombo::SArrayData() const
 void CheckCombo::setSArrayData(const QVariant &array)
 {
     frmList *form = d->listForm;
-    form->GetChecked();
-    const QVariant saved = form->CheckedTexts();
+    const QVariant saved = form->readCheckedTexts(); // restored by text after the load
     form->setSourceArray(array);
     d->arraySource = true;
     form->InsertArray();
@@ -460,8 +459,7 @@ QObject *CheckCombo::RecordsetData() const
 void CheckCombo::setRecordsetData(QObject *recordset)
 {
     frmList *form = d->listForm;
-    form->GetChecked();
-    const QVariant saved = form->CheckedTexts();
+    const QVariant saved = form->readCheckedTexts(); // restored by text after the load
     form->setSourceRecordset(recordset);
     d->arraySource = false;
     if (d->ownRecordset && d->ownRecordset != recordset) {

@@ -342,27 +342,21 @@ void frmList::readCheckedIDs()
     m_checkedIDs = ids.isEmpty() ? QVariant() : QVariant(std::move(ids));
 }
 
-void frmList::GetChecked()
+QVariant frmList::readCheckedTexts() const
 {
     QVariantList texts;
-    QVariantList ids;
-    const int rows = m_model->rowCount();
-    const int checked = m_model->checkedCount();
-    texts.reserve(checked);
-    ids.reserve(checked);
-    for (int i = 0; i < rows; ++i) {
-        if (m_model->isChecked(i)) {
+    texts.reserve(m_model->checkedCount());
+    for (int i = 0; i < m_model->rowCount(); ++i) {
+        if (m_model->isChecked(i))
             texts.append(m_model->text(i));
-            ids.append(m_model->id(i));
-        }
     }
-    if (texts.isEmpty()) {
-        m_checkedTexts = QVariantList{allText()};
-        m_checkedIDs = QVariant();
-    } else {
-        m_checkedTexts = std::move(texts);
-        m_checkedIDs = std::move(ids);
-    }
+    return texts.isEmpty() ? QVariantList{allText()} : std::move(texts);
+}
+
+void frmList::GetChecked()
+{
+    m_checkedTexts = readCheckedTexts();
+    readCheckedIDs();
 }
 
 void frmList::RepairCheck()

@@ -89,6 +89,10 @@ public:
     Q_INVOKABLE void RepairCheckID();
     Q_INVOKABLE void SetInvert(bool value);
 
+    // The CheckedTexts that GetChecked would compute, without computing CheckedIDs or keeping
+    // anything: what a reload saves to restore by text.
+    QVariant readCheckedTexts() const;
+
     // The operations behind the context menu and the public ones.
     Q_INVOKABLE void CheckAllRows();
     Q_INVOKABLE void UncheckAllRows();
