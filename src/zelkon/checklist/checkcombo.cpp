@@ -1,6 +1,7 @@
 #include <zelkon/checklist/checkcombo.h>
 
-#include <zelkon/checklist/frmlist.h>
+#include <zelkon/checklist/checklistview_p.h>
+#include <zelkon/checklist/frmlist_p.h>
 #include <zelkon/common/conversions.h>
 #include <zelkon/common/error.h>
 #include <zelkon/common/extent_p.h>
@@ -11,10 +12,10 @@
 #include <zelkon/common/variants.h>
 #include <zelkon/data/recordsetaccess_p.h>
 
-#include <QEvent>
+#include <QElapsedTimer>
 #include <QKeyEvent>
 #include <QLineEdit>
-#include <QMouseEvent>
+#include <QPointer>
 #include <QScreen>
 #include <QStyle>
 #include <QTimer>
@@ -26,23 +27,11 @@ ZELKON_REGISTER_CONTROL(CheckCombo);
 
 namespace {
 
-const QString AllText = QStringLiteral("All");
 const QString ListText = QStringLiteral("List");
 
 // A click that takes the activation away from the open popup reaches the field after the popup
 // has closed; within this time it was the click that closed it and must not open it again.
 constexpr int ReopenGuardMs = 150;
-
-QVariantList elementsOf(const QVariant &value)
-{
-    if (value.metaType() == QMetaType::fromType<QVariantList>())
-        return value.toList();
-    if (isVariantArray(value)) {
-        const auto array = value.value<VariantArray>();
-        return array.dimensions() == 1 ? array.elements() : QVariantList();
-    }
-    return IsEmpty(value) ? QVariantList() : QVariantList{value};
-}
 
 // Alt+Down (with any other modifier) and a plain F4.
 bool isOpenKey(const QKeyEvent *event)
@@ -54,118 +43,155 @@ bool isOpenKey(const QKeyEvent *event)
 
 } // namespace
 
+// The field, the button and the popup. The rows, their checks, the sort order, the popup's row
+// count and delay, the single-check rule and "Not In ..." live in the popup's store alone; the
+// control reads them from there.
+class CheckComboPrivate
+{
+public:
+    explicit CheckComboPrivate(CheckCombo *q)
+        : q(q)
+    { }
+
+    void openList();
+    void closeList();
+    void onCheckTime();
+    void ListForm_Change(bool cancel);
+    void ListForm_UnloadMe();
+    int dropDownButtonWidth() const;
+    void layoutChildren();
+    void syncAccessibleNames();
+    // The frame of Border and Appearance is the control's; the children sit inside it.
+    void applyLook(qint32 appearance, qint32 border);
+    void setFieldText(const QString &text);
+    void setTips(const QVariant &texts);
+    // The closed field's text after a change of checks.
+    QString fieldTextFor(const QVariant &texts) const;
+    // Sets the checks from the store's CheckedTexts or CheckedIDs and shows the result.
+    void showChecks(const QVariant &texts);
+
+    CheckCombo *q;
+    QLineEdit *text = nullptr;
+    QToolButton *button = nullptr;
+    QTimer *checkTime = nullptr;
+    frmList *listForm = nullptr;
+
+    bool allSelect = false;
+    bool arraySource = false; // the rows came from SArrayData rather than a recordset
+    QString commandText;
+    QVariant commandType; // Empty until put: the recordset then decides by the text
+    QPointer<QObject> connection;
+    QObject *ownRecordset = nullptr; // the recordset that Refresh opened
+
+    bool listOpen = false;
+    QPointer<QWidget> watched;
+    QElapsedTimer leftAt; // when the popup last closed because the user left it
+};
+
 CheckCombo::CheckCombo(QWidget *parent)
     : Control(parent)
+    , d(std::make_unique<CheckComboPrivate>(this))
 {
-    m_text = new QLineEdit(AllText, this);
-    m_text->setObjectName(QStringLiteral("Text"));
-    m_text->setMouseTracking(true);
-    m_text->installEventFilter(this);
+    d->text = new QLineEdit(allText(), this);
+    d->text->setObjectName(QStringLiteral("Text"));
+    d->text->setMouseTracking(true);
+    d->text->setFrame(false);
+    d->text->installEventFilter(this);
+    forwardMouse(d->text);
     // The field is the control's one tab stop and takes the focus given to the control.
-    setFocusProxy(m_text);
-    setFocusPolicy(m_text->focusPolicy());
+    setFocusProxy(d->text);
+    setFocusPolicy(d->text->focusPolicy());
 
-    m_button = new QToolButton(this);
-    m_button->setObjectName(QStringLiteral("ButDropDown"));
-    m_button->setArrowType(Qt::DownArrow); // drawn as the style's down-pointing triangle
-    m_button->setFocusPolicy(Qt::NoFocus);
-    m_button->setMouseTracking(true);
-    m_button->installEventFilter(this);
-    syncAccessibleNames();
+    d->button = new QToolButton(this);
+    d->button->setObjectName(QStringLiteral("ButDropDown"));
+    d->button->setArrowType(Qt::DownArrow); // drawn as the style's down-pointing triangle
+    d->button->setFocusPolicy(Qt::NoFocus);
+    d->button->setMouseTracking(true);
+    d->button->installEventFilter(this);
+    forwardMouse(d->button);
+    d->syncAccessibleNames();
 
-    m_checkTime = new QTimer(this);
-    m_checkTime->setObjectName(QStringLiteral("CheckTime"));
-    m_checkTime->setInterval(5);
-    connect(m_checkTime, &QTimer::timeout, this, [this] { onCheckTime(); });
+    d->checkTime = new QTimer(this);
+    d->checkTime->setObjectName(QStringLiteral("CheckTime"));
+    d->checkTime->setInterval(5);
+    connect(d->checkTime, &QTimer::timeout, this, [this] { d->onCheckTime(); });
 
-    m_listForm = new frmList(this);
-    connect(m_listForm, &frmList::Change, this, [this](bool cancel) { ListForm_Change(cancel); });
-    connect(m_listForm, &frmList::ChangeInv, this,
-            [this](bool inverted) { ListForm_ChangeInv(inverted); });
-    connect(m_listForm, &frmList::UnloadMe, this, [this] { ListForm_UnloadMe(); });
-    m_listForm->setActiveList(m_sorting ? 1 : 0);
-    m_listForm->setMaxLine(m_maxLine);
-    m_listForm->setSingleCheck(m_singleCheck);
-    m_listForm->setTypeData(m_typeData);
-    m_listForm->Timer()->setInterval(m_delay);
-    m_listForm->loadRows();
-    m_listForm->SetInvert(m_inv);
+    d->listForm = new frmList(this);
+    connect(d->listForm, &frmList::Change, this,
+            [this](bool cancel) { d->ListForm_Change(cancel); });
+    connect(d->listForm, &frmList::UnloadMe, this, [this] { d->ListForm_UnloadMe(); });
+    d->listForm->setActiveList(1);
+    d->listForm->loadRows();
 
-    applyLook();
+    d->applyLook(1, 1);
     resize(sizeHint());
 }
 
 CheckCombo::~CheckCombo()
 {
-    m_checkTime->stop();
-    disconnect(m_listForm, nullptr, this, nullptr);
-    delete m_listForm;
+    d->checkTime->stop();
+    disconnect(d->listForm, nullptr, this, nullptr);
+    delete d->listForm;
 }
 
 // Persistence -----------------------------------------------------------------------------------
 
 void CheckCombo::InitProperties()
 {
-    setFieldText(AllText);
-    m_maxLine = 5;
-    m_delay = 1;
-    QWidget::setEnabled(true);
-    m_editEnabled = true;
-    m_sorting = true;
-    m_inv = false;
-    m_singleCheck = false;
-    m_allSelect = false;
-    m_appearance = 1;
-    m_border = 1;
-    m_listForm->setActiveList(1);
-    m_listForm->setMaxLine(m_maxLine);
-    m_listForm->setSingleCheck(false);
-    m_listForm->Timer()->setInterval(m_delay);
-    m_listForm->SetInvert(false);
-    applyLook();
+    d->setFieldText(allText());
+    d->listForm->setMaxLine(5);
+    d->listForm->setDelay(1);
+    applyEnabled(true);
+    d->text->setReadOnly(false);
+    d->listForm->setActiveList(1);
+    d->listForm->SetInvert(false);
+    d->listForm->setSingleCheck(false);
+    d->allSelect = false;
+    d->applyLook(1, 1);
 }
 
 void CheckCombo::ReadProperties(PropertyBag &bag)
 {
+    frmList *form = d->listForm;
+    qint32 appearance = 1;
+    qint32 border = 1;
+    const auto read = [&bag](const char *key, const QVariant &defaultValue) {
+        return bag.ReadProperty(QString::fromLatin1(key), defaultValue);
+    };
     // A damaged value is skipped, so one bad entry does not cost the form its other settings.
     ignoreErrors({
-        [&] { setFieldText(CStr(bag.ReadProperty(QStringLiteral("Title"), AllText))); },
-        [&] { m_maxLine = CInt(bag.ReadProperty(QStringLiteral("MaxLine"), qint16(5))); },
-        [&] { m_delay = CInt(bag.ReadProperty(QStringLiteral("Delay"), qint16(1))); },
-        [&] { QWidget::setEnabled(CBool(bag.ReadProperty(QStringLiteral("Enabled"), true))); },
-        [&] { m_editEnabled = CBool(bag.ReadProperty(QStringLiteral("EditEnabled"), true)); },
-        [&] {
-            m_sorting = CBool(bag.ReadProperty(QStringLiteral("Sorting"), true));
-            m_listForm->setActiveList(m_sorting ? 1 : 0);
-        },
-        [&] { m_inv = CBool(bag.ReadProperty(QStringLiteral("Inv"), false)); },
-        [&] { m_singleCheck = CBool(bag.ReadProperty(QStringLiteral("SingleCheck"), false)); },
-        [&] { m_allSelect = CBool(bag.ReadProperty(QStringLiteral("AllSelect"), false)); },
-        [&] { m_appearance = CLng(bag.ReadProperty(QStringLiteral("Appearance"), qint32(1))); },
-        [&] { m_border = CLng(bag.ReadProperty(QStringLiteral("Border"), qint32(1))); },
+        [&] { d->setFieldText(CStr(read("Title", allText()))); },
+        [&] { form->setMaxLine(CInt(read("MaxLine", qint16(5)))); },
+        [&] { form->setDelay(CInt(read("Delay", qint16(1)))); },
+        [&] { applyEnabled(CBool(read("Enabled", true))); },
+        [&] { d->text->setReadOnly(!CBool(read("EditEnabled", true))); },
+        [&] { form->setActiveList(CBool(read("Sorting", true)) ? 1 : 0); },
+        [&] { form->SetInvert(CBool(read("Inv", false))); },
+        [&] { form->setSingleCheck(CBool(read("SingleCheck", false))); },
+        [&] { d->allSelect = CBool(read("AllSelect", false)); },
+        [&] { appearance = CLng(read("Appearance", qint32(1))); },
+        [&] { border = CLng(read("Border", qint32(1))); },
     });
     readExtent(*this, bag);
-    m_listForm->setMaxLine(m_maxLine);
-    m_listForm->setSingleCheck(m_singleCheck);
-    m_listForm->Timer()->setInterval(m_delay);
-    m_listForm->SetInvert(m_inv);
-    m_text->setReadOnly(!m_editEnabled);
-    applyLook();
+    d->applyLook(appearance, border);
 }
 
 void CheckCombo::WriteProperties(PropertyBag &bag)
 {
-    bag.WriteProperty(QStringLiteral("Title"), Title(), AllText);
-    bag.WriteProperty(QStringLiteral("MaxLine"), m_maxLine, qint16(5));
-    bag.WriteProperty(QStringLiteral("Delay"), m_delay, qint16(1));
-    bag.WriteProperty(QStringLiteral("Enabled"), Enabled(), true);
-    bag.WriteProperty(QStringLiteral("EditEnabled"), m_editEnabled, true);
-    bag.WriteProperty(QStringLiteral("Sorting"), m_sorting, true);
-    bag.WriteProperty(QStringLiteral("Inv"), m_inv, false);
-    bag.WriteProperty(QStringLiteral("SingleCheck"), m_singleCheck, false);
-    bag.WriteProperty(QStringLiteral("AllSelect"), m_allSelect, false);
-    bag.WriteProperty(QStringLiteral("Appearance"), m_appearance, qint32(1));
-    bag.WriteProperty(QStringLiteral("Border"), m_border, qint32(1));
+    const auto write = [&bag](const char *key, const QVariant &value, const QVariant &def) {
+        bag.WriteProperty(QString::fromLatin1(key), value, def);
+    };
+    write("Title", Title(), allText());
+    write("MaxLine", MaxLine(), qint16(5));
+    write("Delay", Delay(), qint16(1));
+    write("Enabled", Enabled(), true);
+    write("EditEnabled", EditEnabled(), true);
+    write("Sorting", Sorting(), true);
+    write("Inv", Inv(), false);
+    write("SingleCheck", SingleCheck(), false);
+    write("AllSelect", d->allSelect, false);
+    write("Appearance", Appearance(), qint32(1));
+    write("Border", Border(), qint32(1));
     writeExtent(*this, bag);
 }
 
@@ -173,300 +199,310 @@ void CheckCombo::WriteProperties(PropertyBag &bag)
 
 QString CheckCombo::Title() const
 {
-    return m_text->text();
+    return d->text->text();
 }
 
 void CheckCombo::setTitle(const QString &title)
 {
-    if (title == m_text->text())
-        return;
-    setFieldText(title);
-    Q_EMIT PropertyChanged(QStringLiteral("Title"));
+    d->setFieldText(title);
+    notifyPut(QStringLiteral("Title"));
+}
+
+qint16 CheckCombo::MaxLine() const
+{
+    return d->listForm->MaxLine();
 }
 
 void CheckCombo::setMaxLine(qint16 rows)
 {
-    if (rows == m_maxLine)
-        return;
-    m_maxLine = rows;
-    m_listForm->setMaxLine(rows);
-    Q_EMIT PropertyChanged(QStringLiteral("MaxLine"));
+    d->listForm->setMaxLine(rows);
+    notifyPut(QStringLiteral("MaxLine"));
+}
+
+qint16 CheckCombo::Delay() const
+{
+    return d->listForm->Delay();
 }
 
 void CheckCombo::setDelay(qint16 milliseconds)
 {
-    if (milliseconds == m_delay)
-        return;
-    m_delay = milliseconds;
-    m_listForm->Timer()->setInterval(qMax<int>(0, milliseconds));
-    Q_EMIT PropertyChanged(QStringLiteral("Delay"));
-}
-
-bool CheckCombo::Enabled() const
-{
-    return !testAttribute(Qt::WA_ForceDisabled);
-}
-
-void CheckCombo::putEnabled(bool enabled)
-{
-    if (enabled == Enabled())
-        return;
-    QWidget::setEnabled(enabled);
-    Q_EMIT PropertyChanged(QStringLiteral("Enabled"));
+    d->listForm->setDelay(milliseconds);
+    notifyPut(QStringLiteral("Delay"));
 }
 
 QFont CheckCombo::Font() const
 {
-    return m_text->font();
+    return d->text->font();
 }
 
 void CheckCombo::putFont(const QFont &font)
 {
-    if (font == m_text->font())
-        return;
-    m_text->setFont(font);
-    updateGeometry();
-    layoutChildren();
-    Q_EMIT PropertyChanged(QStringLiteral("Font"));
+    if (font != d->text->font()) {
+        d->text->setFont(font);
+        updateGeometry();
+        d->layoutChildren();
+    }
+    notifyPut(QStringLiteral("Font"));
+}
+
+bool CheckCombo::EditEnabled() const
+{
+    return !d->text->isReadOnly();
 }
 
 void CheckCombo::setEditEnabled(bool enabled)
 {
-    if (enabled == m_editEnabled)
-        return;
-    m_editEnabled = enabled;
-    m_text->setReadOnly(!enabled);
-    Q_EMIT PropertyChanged(QStringLiteral("EditEnabled"));
+    d->text->setReadOnly(!enabled);
+    notifyPut(QStringLiteral("EditEnabled"));
+}
+
+bool CheckCombo::Sorting() const
+{
+    return d->listForm->ActiveList() == 1;
 }
 
 void CheckCombo::setSorting(bool sorting)
 {
-    if (sorting == m_sorting)
-        return;
-    m_sorting = sorting;
-    m_listForm->setActiveList(sorting ? 1 : 0);
-    Q_EMIT PropertyChanged(QStringLiteral("Sorting"));
+    d->listForm->setActiveList(sorting ? 1 : 0);
+    notifyPut(QStringLiteral("Sorting"));
 }
 
 bool CheckCombo::Inv() const
 {
-    // Reading puts the menu's check mark back in step with the flag.
-    m_listForm->SetInvert(m_inv);
-    return m_inv;
+    // The flag is the check mark of "Not In ...": the user's toggle needs no copying back.
+    return d->listForm->Invert();
 }
 
 void CheckCombo::setInv(bool inverted)
 {
-    m_listForm->SetInvert(inverted);
-    if (inverted == m_inv)
-        return;
-    m_inv = inverted;
-    Q_EMIT PropertyChanged(QStringLiteral("Inv"));
+    d->listForm->SetInvert(inverted);
+    notifyPut(QStringLiteral("Inv"));
+}
+
+bool CheckCombo::SingleCheck() const
+{
+    return d->listForm->SingleCheck();
 }
 
 void CheckCombo::setSingleCheck(bool single)
 {
-    if (single == m_singleCheck)
-        return;
-    m_singleCheck = single;
-    m_listForm->setSingleCheck(single);
-    Q_EMIT PropertyChanged(QStringLiteral("SingleCheck"));
+    d->listForm->setSingleCheck(single);
+    notifyPut(QStringLiteral("SingleCheck"));
+}
+
+bool CheckCombo::AllSelect() const
+{
+    return d->allSelect;
 }
 
 void CheckCombo::setAllSelect(bool allSelect)
 {
-    if (allSelect == m_allSelect)
-        return;
-    m_allSelect = allSelect;
-    Q_EMIT PropertyChanged(QStringLiteral("AllSelect"));
+    put(d->allSelect, allSelect, QStringLiteral("AllSelect"));
+}
+
+qint32 CheckCombo::Appearance() const
+{
+    return frameAppearance();
 }
 
 void CheckCombo::setAppearance(qint32 appearance)
 {
-    if (appearance == m_appearance)
-        return;
-    m_appearance = appearance;
-    applyLook();
-    Q_EMIT PropertyChanged(QStringLiteral("Appearance"));
+    if (appearance != Appearance())
+        d->applyLook(appearance, Border());
+    notifyPut(QStringLiteral("Appearance"));
+}
+
+qint32 CheckCombo::Border() const
+{
+    return frameBorder();
 }
 
 void CheckCombo::setBorder(qint32 border)
 {
-    if (border == m_border)
-        return;
-    m_border = border;
-    applyLook();
-    Q_EMIT PropertyChanged(QStringLiteral("Border"));
+    if (border != Border())
+        d->applyLook(Appearance(), border);
+    notifyPut(QStringLiteral("Border"));
 }
 
 void CheckCombo::setLeft(float left)
 {
     attempt([&] { move(toPixels(left), y()); });
-    Q_EMIT PropertyChanged(QStringLiteral("Left"));
+    notifyPut(QStringLiteral("Left"));
 }
 
 void CheckCombo::setTop(float top)
 {
     attempt([&] { move(x(), toPixels(top)); });
-    Q_EMIT PropertyChanged(QStringLiteral("Top"));
+    notifyPut(QStringLiteral("Top"));
 }
 
 void CheckCombo::setHeight(float height)
 {
     attempt([&] { resize(width(), qMax(0, toPixels(height))); });
-    Q_EMIT PropertyChanged(QStringLiteral("Height"));
+    notifyPut(QStringLiteral("Height"));
 }
 
 void CheckCombo::setWidth(float width)
 {
     attempt([&] { resize(qMax(0, toPixels(width)), height()); });
-    Q_EMIT PropertyChanged(QStringLiteral("Width"));
+    notifyPut(QStringLiteral("Width"));
 }
 
-void CheckCombo::applyLook()
+void CheckComboPrivate::applyLook(qint32 appearance, qint32 border)
 {
-    // Border 0: no frame. Appearance 0: a flat single line instead of the sunken frame.
-    m_text->setFrame(m_border != 0);
-    m_text->setStyleSheet(m_border != 0 && m_appearance == 0
-                              ? QStringLiteral("QLineEdit { border: 1px solid palette(shadow); }")
-                              : QString());
-    m_text->setReadOnly(!m_editEnabled);
+    q->setFrameLook(appearance, border);
+    layoutChildren();
 }
 
 void CheckCombo::resizeEvent(QResizeEvent *event)
 {
     Control::resizeEvent(event);
-    layoutChildren();
+    d->layoutChildren();
 }
 
-int CheckCombo::dropDownButtonWidth() const
+int CheckComboPrivate::dropDownButtonWidth() const
 {
     // The arrow is a symbol glyph as wide as the field's font is high, framed on either side as
     // the style frames a button, so the button grows with the font and the screen's scale.
-    const int frame
-        = m_button->style()->pixelMetric(QStyle::PM_DefaultFrameWidth, nullptr, m_button);
-    return QFontMetrics(m_text->font()).height() + 2 * qMax(0, frame);
+    const int frame = button->style()->pixelMetric(QStyle::PM_DefaultFrameWidth, nullptr, button);
+    return QFontMetrics(text->font()).height() + 2 * qMax(0, frame);
 }
 
 QSize CheckCombo::sizeHint() const
 {
-    const QSize text = m_text->sizeHint();
-    return QSize(text.width() + dropDownButtonWidth(), text.height());
+    // As high as a line edit and as wide as one of its usual width, with the button beside.
+    return lineSizeHint(17) + QSize(d->dropDownButtonWidth(), 0);
 }
 
 QSize CheckCombo::minimumSizeHint() const
 {
-    const QSize text = m_text->minimumSizeHint();
-    return QSize(text.width() + dropDownButtonWidth(), text.height());
+    return lineSizeHint(1) + QSize(d->dropDownButtonWidth(), 0);
 }
 
-void CheckCombo::layoutChildren()
+void CheckComboPrivate::layoutChildren()
 {
-    const QRect client = rect();
+    const QRect client = q->contentsRect();
     const int buttonWidth = dropDownButtonWidth();
-    m_button->setGeometry(client.right() + 1 - buttonWidth, client.top(), buttonWidth,
-                          client.height());
-    m_text->setGeometry(client.left(), client.top(), qMax(0, client.width() - buttonWidth),
+    button->setGeometry(client.right() + 1 - buttonWidth, client.top(), buttonWidth,
                         client.height());
+    text->setGeometry(client.left(), client.top(), qMax(0, client.width() - buttonWidth),
+                      client.height());
 }
 
 void CheckCombo::setAccessibleName(const QString &name)
 {
     QWidget::setAccessibleName(name);
-    syncAccessibleNames();
+    d->syncAccessibleNames();
 }
 
-void CheckCombo::syncAccessibleNames()
+void CheckComboPrivate::syncAccessibleNames()
 {
-    m_text->setAccessibleName(accessibleName().isEmpty() ? tr("Filter") : accessibleName());
-    m_button->setAccessibleName(m_listOpen ? tr("Close list") : tr("Open list"));
+    const QString name = q->accessibleName();
+    text->setAccessibleName(name.isEmpty() ? CheckCombo::tr("Filter") : name);
+    button->setAccessibleName(listOpen ? CheckCombo::tr("Close list")
+                                       : CheckCombo::tr("Open list"));
 }
 
-void CheckCombo::setFieldText(const QString &text)
+void CheckComboPrivate::setFieldText(const QString &value)
 {
-    m_text->setText(text);
-    m_text->setCursorPosition(0);
+    text->setText(value);
+    text->setCursorPosition(0);
 }
 
 // Data sources ----------------------------------------------------------------------------------
 
+CheckCombo::ExDate CheckCombo::TypeData() const
+{
+    return ExDate(d->listForm->TypeData());
+}
+
 void CheckCombo::setTypeData(ExDate type)
 {
-    m_typeData = type;
-    m_listForm->setTypeData(type);
-    Q_EMIT PropertyChanged(QStringLiteral("TypeData"));
+    d->listForm->setTypeData(type);
+    notifyPut(QStringLiteral("TypeData"));
+}
+
+QVariant CheckCombo::SArrayData() const
+{
+    return d->listForm->SourceArray();
 }
 
 void CheckCombo::setSArrayData(const QVariant &array)
 {
-    qint32 upper2 = -1;
-    if (!IsEmpty(array))
-        attempt([&] { upper2 = UBound(array, 2); });
-    m_sourceIs2D = upper2 >= 0;
-
-    m_listForm->GetChecked();
-    const QVariant saved = m_listForm->CheckedTexts();
-    m_listForm->setSourceArray(array);
-    m_sourceArray = array;
-    m_arraySource = true;
-    m_listForm->InsertArray();
-    m_listForm->setCheckedTexts(saved);
-    m_listForm->RepairCheck();
-    m_listForm->setFieldTips(false);
+    frmList *form = d->listForm;
+    const QVariant saved = form->readCheckedTexts(); // restored by text after the load
+    form->setSourceArray(array);
+    d->arraySource = true;
+    form->InsertArray();
+    form->setCheckedTexts(saved);
+    form->RepairCheck();
+    form->setFieldTips(false);
 
     // A list with rows had its checks read back by RepairCheck a moment ago.
-    if (m_listForm->List()->count() == 0)
-        m_listForm->GetChecked();
-    const QVariantList checked = elementsOf(m_listForm->CheckedTexts());
+    if (form->List()->model()->rowCount() == 0)
+        form->GetChecked();
+    const QVariantList checked = frmList::elementsOf(form->CheckedTexts());
     if (checked.isEmpty())
-        setFieldText(AllText);
+        d->setFieldText(allText());
     else if (checked.size() > 1)
-        setFieldText(ListText);
+        d->setFieldText(ListText);
     else
-        setFieldText(CStr(checked.first()));
-    Q_EMIT PropertyChanged(QStringLiteral("SArrayData"));
+        d->setFieldText(CStr(checked.first()));
+    notifyPut(QStringLiteral("SArrayData"));
 }
 
 QObject *CheckCombo::RecordsetData() const
 {
-    return m_listForm->SourceRecordset();
+    return d->listForm->SourceRecordset();
 }
 
 void CheckCombo::setRecordsetData(QObject *recordset)
 {
-    m_listForm->GetChecked();
-    const QVariant saved = m_listForm->CheckedTexts();
-    m_listForm->setSourceRecordset(recordset);
-    m_arraySource = false;
-    if (m_ownRecordset && m_ownRecordset != recordset) {
-        m_ownRecordset->deleteLater();
-        m_ownRecordset = nullptr;
+    frmList *form = d->listForm;
+    const QVariant saved = form->readCheckedTexts(); // restored by text after the load
+    form->setSourceRecordset(recordset);
+    d->arraySource = false;
+    if (d->ownRecordset && d->ownRecordset != recordset) {
+        d->ownRecordset->deleteLater();
+        d->ownRecordset = nullptr;
     }
-    m_listForm->InsertRecord();
-    m_listForm->setCheckedTexts(saved);
-    m_listForm->RepairCheck();
-    attempt([&] { m_listForm->setFieldTips(RecordsetAccess(recordset).fieldCount() >= 2); });
-    Q_EMIT PropertyChanged(QStringLiteral("RecordsetData"));
+    form->InsertRecord();
+    form->setCheckedTexts(saved);
+    form->RepairCheck();
+    attempt([&] { form->setFieldTips(RecordsetAccess(recordset).fieldCount() >= 2); });
+    notifyPut(QStringLiteral("RecordsetData"));
+}
+
+QString CheckCombo::CommandText() const
+{
+    return d->commandText;
 }
 
 void CheckCombo::setCommandText(const QString &text)
 {
-    if (text == m_commandText)
-        return;
-    m_commandText = text;
-    Q_EMIT PropertyChanged(QStringLiteral("CommandText"));
+    put(d->commandText, text, QStringLiteral("CommandText"));
+}
+
+qint32 CheckCombo::CommandType() const
+{
+    return d->commandType.toInt();
 }
 
 void CheckCombo::setCommandType(qint32 type)
 {
-    m_commandType = QVariant(type);
-    Q_EMIT PropertyChanged(QStringLiteral("CommandType"));
+    d->commandType = QVariant(type);
+    notifyPut(QStringLiteral("CommandType"));
+}
+
+QObject *CheckCombo::Connect() const
+{
+    return d->connection;
 }
 
 void CheckCombo::setConnect(QObject *connection)
 {
-    m_connect = connection;
-    Q_EMIT PropertyChanged(QStringLiteral("Connect"));
+    d->connection = connection;
+    notifyPut(QStringLiteral("Connect"));
     Refresh();
 }
 
@@ -475,42 +511,48 @@ void CheckCombo::Refresh()
     QObject *recordset = createObject(QStringLiteral("ADODB.Recordset"), this);
     if (!recordset)
         throw Error(429, QStringLiteral("ActiveX component can't create object"));
-    QObject *old = m_ownRecordset;
-    m_ownRecordset = recordset;
-    m_listForm->setSourceRecordset(recordset);
-    m_arraySource = false;
+    QObject *old = d->ownRecordset;
+    d->ownRecordset = recordset;
+    d->listForm->setSourceRecordset(recordset);
+    d->arraySource = false;
     if (old && old != recordset)
         old->deleteLater();
     // Cursor and lock type: static (3) and optimistic (3).
-    RecordsetAccess(recordset).open(m_commandText, QVariant::fromValue<QObject *>(m_connect.data()),
-                                    qint32(3), qint32(3), m_commandType);
-    m_listForm->InsertRecord();
-    attempt([&] { m_listForm->setFieldTips(RecordsetAccess(recordset).fieldCount() >= 2); });
+    RecordsetAccess(recordset).open(d->commandText,
+                                    QVariant::fromValue<QObject *>(d->connection.data()), qint32(3),
+                                    qint32(3), d->commandType);
+    d->listForm->InsertRecord();
+    attempt([&] { d->listForm->setFieldTips(RecordsetAccess(recordset).fieldCount() >= 2); });
 }
 
 // Selection -------------------------------------------------------------------------------------
 
 QVariant CheckCombo::ArrayChecked()
 {
-    m_listForm->GetChecked();
-    return m_listForm->CheckedTexts();
+    d->listForm->GetChecked();
+    return d->listForm->CheckedTexts();
 }
 
 QVariant CheckCombo::ArrayCheckedID()
 {
-    m_listForm->GetChecked();
-    setTips(m_listForm->CheckedTexts());
-    return m_listForm->CheckedIDs();
+    d->listForm->GetChecked();
+    d->setTips(d->listForm->CheckedTexts());
+    return d->listForm->CheckedIDs();
+}
+
+void CheckComboPrivate::showChecks(const QVariant &texts)
+{
+    setTips(texts);
+    setFieldText(fieldTextFor(texts));
 }
 
 void CheckCombo::setArrayChecked(QVariant &texts)
 {
-    m_listForm->setCheckedTexts(texts);
-    m_listForm->RepairCheck();
-    texts = m_listForm->CheckedTexts();
-    setTips(texts);
-    setFieldText(fieldTextFor(texts));
-    Q_EMIT PropertyChanged(QStringLiteral("ArrayChecked"));
+    d->listForm->setCheckedTexts(texts);
+    d->listForm->RepairCheck();
+    texts = d->listForm->CheckedTexts();
+    d->showChecks(texts);
+    notifyPut(QStringLiteral("ArrayChecked"));
 }
 
 void CheckCombo::setArrayChecked(const QVariant &texts)
@@ -521,13 +563,11 @@ void CheckCombo::setArrayChecked(const QVariant &texts)
 
 void CheckCombo::setArrayCheckedID(QVariant &ids)
 {
-    m_listForm->setCheckedIDs(ids);
-    m_listForm->RepairCheckID();
-    ids = m_listForm->CheckedIDs();
-    const QVariant texts = m_listForm->CheckedTexts();
-    setTips(texts);
-    setFieldText(fieldTextFor(texts));
-    Q_EMIT PropertyChanged(QStringLiteral("ArrayCheckedID"));
+    d->listForm->setCheckedIDs(ids);
+    d->listForm->RepairCheckID();
+    ids = d->listForm->CheckedIDs();
+    d->showChecks(d->listForm->CheckedTexts());
+    notifyPut(QStringLiteral("ArrayCheckedID"));
 }
 
 void CheckCombo::setArrayCheckedID(const QVariant &ids)
@@ -538,101 +578,109 @@ void CheckCombo::setArrayCheckedID(const QVariant &ids)
 
 QVariant CheckCombo::ArrayVisible() const
 {
-    return m_listForm->ArVis();
+    return d->listForm->ArVis();
 }
 
 void CheckCombo::setArrayVisible(const QVariant &rows)
 {
     // Applied at the next rebuild (a load or the Show/Hide dialog), not now: hosts set it before
     // loading the rows it refers to.
-    m_listForm->setArVis(rows);
-    Q_EMIT PropertyChanged(QStringLiteral("ArrayVisible"));
+    d->listForm->setArVis(rows);
+    notifyPut(QStringLiteral("ArrayVisible"));
 }
 
 void CheckCombo::SelectAll()
 {
-    if (m_arraySource && !IsEmpty(m_sourceArray)) {
-        attempt([&] {
-            QVariant texts = m_sourceArray;
-            if (m_sourceIs2D) {
-                const auto array = m_sourceArray.value<VariantArray>();
+    // Without a source array (rows from a recordset) the list of texts is Empty, which checks
+    // nothing: the popup menu's "Select All" is the one that works for every source.
+    QVariant texts;
+    const QVariant source = SArrayData();
+    if (d->arraySource && !IsEmpty(source)) {
+        texts = source;
+        if (d->listForm->SourceIs2D()) {
+            attempt([&] {
+                const auto array = source.value<VariantArray>();
                 const qint32 upper = array.UBound(2);
                 QVariantList column;
                 column.reserve(upper + 1);
                 for (qint32 i = 0; i <= upper; ++i)
                     column.append(array.at({0, i}));
                 texts = column;
-            }
-            m_listForm->setCheckedTexts(texts);
-            m_listForm->RepairCheck();
-        });
+            });
+        }
     }
-    setFieldText(AllText);
+    d->listForm->setCheckedTexts(texts);
+    d->listForm->RepairCheck();
+    d->setFieldText(allText());
 }
 
 void CheckCombo::ClearAll()
 {
-    m_listForm->setCheckedTexts(QVariant());
-    m_listForm->RepairCheck();
+    d->listForm->setCheckedTexts(QVariant());
+    d->listForm->RepairCheck();
 }
 
-void CheckCombo::setTips(const QVariant &texts)
+void CheckComboPrivate::setTips(const QVariant &texts)
 {
-    QString tip = AllText;
+    QString tip = allText();
     if (!IsEmpty(texts)) {
         QStringList parts;
-        for (const QVariant &text : elementsOf(texts)) {
+        for (const QVariant &value : frmList::elementsOf(texts)) {
             QString part;
-            attempt([&] { part = CStr(text); });
+            attempt([&] { part = CStr(value); });
             parts.append(part);
         }
         tip = parts.join(QLatin1Char(','));
     }
-    m_text->setToolTip(tip);
-    m_button->setToolTip(tip);
+    text->setToolTip(tip);
+    button->setToolTip(tip);
 }
 
-QString CheckCombo::fieldTextFor(const QVariant &texts) const
+QString CheckComboPrivate::fieldTextFor(const QVariant &texts) const
 {
-    const QVariantList checked = elementsOf(texts);
+    const QVariantList checked = frmList::elementsOf(texts);
     if (checked.isEmpty())
-        return AllText;
+        return allText();
     if (checked.size() == 1) {
-        QString text;
-        attempt([&] { text = CStr(checked.first()); });
-        return text;
+        QString one;
+        attempt([&] { one = CStr(checked.first()); });
+        return one;
     }
     const qint32 upper = qint32(checked.size()) - 1;
-    if (!m_arraySource) {
+    if (!arraySource) {
         // Rows from a recordset: every loaded row checked is no restriction at all.
-        return checked.size() == m_listForm->snapshotRows() ? AllText : ListText;
+        return checked.size() == listForm->snapshotRows() ? allText() : ListText;
     }
     qint32 sourceUpper = -1;
-    attempt([&] { sourceUpper = UBound(m_sourceArray, m_sourceIs2D ? 2 : 1); });
-    return upper == sourceUpper ? AllText : ListText;
+    attempt([&] { sourceUpper = UBound(listForm->SourceArray(), listForm->SourceIs2D() ? 2 : 1); });
+    return upper == sourceUpper ? allText() : ListText;
 }
 
 // The drop-down ---------------------------------------------------------------------------------
 
 void CheckCombo::dropDown()
 {
-    if (m_listOpen)
-        closeList();
+    if (d->listOpen)
+        d->closeList();
     else
-        openList();
+        d->openList();
 }
 
-void CheckCombo::openList()
+bool CheckCombo::isDroppedDown() const
 {
-    m_listOpen = true;
-    if (m_connect && m_listForm->snapshotRows() == 0)
-        attempt([&] { Refresh(); });
-    m_listForm->setMaxLine(m_maxLine);
+    return d->listOpen;
+}
 
-    const QRect field(mapToGlobal(QPoint(0, 0)), size());
+void CheckComboPrivate::openList()
+{
+    listOpen = true;
+    if (connection && listForm->snapshotRows() == 0)
+        attempt([&] { q->Refresh(); });
+
+    const QRect field(q->mapToGlobal(QPoint(0, 0)), q->size());
     QRect popup(field.left(), field.bottom() + 1, field.width(),
-                m_listForm->heightForRows(m_maxLine));
-    if (const QScreen *s = screen()) {
+                listForm->heightForRows(listForm->MaxLine()));
+    if (const QScreen *s = q->screen()) {
         const QRect available = s->availableGeometry();
         if (popup.bottom() > available.bottom())
             popup.moveBottom(field.top() - 1);
@@ -641,98 +689,96 @@ void CheckCombo::openList()
         if (popup.left() < available.left())
             popup.moveLeft(available.left());
     }
-    m_listForm->popUp(popup, m_delay);
+    listForm->popUp(popup);
 
-    m_watched = window();
-    m_checkTime->start();
+    watched = q->window();
+    checkTime->start();
     syncAccessibleNames();
-    Q_EMIT Click();
+    Q_EMIT q->Click();
 }
 
-void CheckCombo::closeList()
+void CheckComboPrivate::closeList()
 {
-    m_listOpen = false;
-    m_checkTime->stop();
-    m_listForm->popDown();
+    listOpen = false;
+    checkTime->stop();
+    listForm->popDown();
     syncAccessibleNames();
 }
 
-void CheckCombo::onCheckTime()
+void CheckComboPrivate::onCheckTime()
 {
-    m_checkTime->stop();
-    if (m_watched && !m_watched->isVisible()) {
-        if (m_listOpen)
+    checkTime->stop();
+    if (watched && !watched->isVisible()) {
+        if (listOpen)
             closeList();
         return;
     }
-    m_checkTime->start();
+    checkTime->start();
 }
 
-void CheckCombo::ListForm_Change(bool cancel)
+void CheckComboPrivate::ListForm_Change(bool cancel)
 {
-    const QVariant texts = m_listForm->CheckedTexts();
+    const QVariant texts = listForm->CheckedTexts();
     setFieldText(fieldTextFor(texts));
     if (!cancel) {
         setTips(texts);
-        m_leftAt.start();
+        leftAt.start();
     }
-    Q_EMIT Quite(cancel);
-    if (m_listOpen)
+    Q_EMIT q->Quite(cancel);
+    if (listOpen)
         closeList();
 }
 
-void CheckCombo::ListForm_ChangeInv(bool inverted)
+void CheckComboPrivate::ListForm_UnloadMe()
 {
-    m_inv = inverted;
-}
-
-void CheckCombo::ListForm_UnloadMe()
-{
-    m_listOpen = false;
+    listOpen = false;
     syncAccessibleNames();
 }
 
 bool CheckCombo::eventFilter(QObject *watched, QEvent *event)
 {
-    if (watched != m_text && watched != m_button)
+    if (watched != d->text && watched != d->button)
         return Control::eventFilter(watched, event);
     switch (event->type()) {
     case QEvent::FocusIn:
     case QEvent::WindowActivate:
-        syncAccessibleNames();
+        d->syncAccessibleNames();
         break;
     case QEvent::KeyPress:
         // The keys that open a combo box's list open this one too. They are no mouse press, so
         // only Click follows.
-        if (!m_listOpen && isOpenKey(static_cast<QKeyEvent *>(event))) {
-            openList();
+        if (!d->listOpen && isOpenKey(static_cast<QKeyEvent *>(event))) {
+            d->openList();
             return true;
         }
         break;
-    case QEvent::MouseButtonPress:
-    case QEvent::MouseButtonDblClick: {
-        MouseArgs args = mouseArgs(static_cast<QMouseEvent *>(event));
-        Q_EMIT MouseDown(args.Button, args.Shift, args.X, args.Y);
-        const bool closedByThisClick = m_leftAt.isValid() && m_leftAt.elapsed() < ReopenGuardMs;
-        if (args.Button == LeftButtonCode && !m_listOpen && !closedByThisClick)
-            openList();
-        break;
-    }
-    case QEvent::MouseButtonRelease: {
-        MouseArgs args = mouseArgs(static_cast<QMouseEvent *>(event));
-        Q_EMIT MouseUp(args.Button, args.Shift, args.X, args.Y);
-        break;
-    }
-    case QEvent::MouseMove: {
-        MouseArgs args = mouseArgs(static_cast<QMouseEvent *>(event));
-        Q_EMIT MouseMove();
-        Q_EMIT MouseMoveXY(args.Button, args.Shift, args.X, args.Y);
-        break;
-    }
     default:
         break;
     }
     return Control::eventFilter(watched, event);
+}
+
+void CheckCombo::childMouseEvent(QWidget *, QEvent::Type type, MouseArgs &args)
+{
+    switch (type) {
+    case QEvent::MouseButtonPress:
+    case QEvent::MouseButtonDblClick: {
+        Q_EMIT MouseDown(args.Button, args.Shift, args.X, args.Y);
+        const bool closedByThisClick = d->leftAt.isValid() && d->leftAt.elapsed() < ReopenGuardMs;
+        if (args.Button == LeftButtonCode && !d->listOpen && !closedByThisClick)
+            d->openList();
+        break;
+    }
+    case QEvent::MouseButtonRelease:
+        Q_EMIT MouseUp(args.Button, args.Shift, args.X, args.Y);
+        break;
+    case QEvent::MouseMove:
+        Q_EMIT MouseMove();
+        Q_EMIT MouseMoveXY(args.Button, args.Shift, args.X, args.Y);
+        break;
+    default:
+        break;
+    }
 }
 
 } // namespace zelkon

@@ -3,18 +3,14 @@
 
 #include <zelkon/common/control.h>
 
-#include <QElapsedTimer>
 #include <QFont>
-#include <QPointer>
 #include <QVariant>
 
-class QLineEdit;
-class QTimer;
-class QToolButton;
+#include <memory>
 
 namespace zelkon {
 
-class frmList;
+class CheckComboPrivate;
 
 class ZELKON_EXPORT CheckCombo : public Control
 {
@@ -62,29 +58,27 @@ public:
 
     QString Title() const;
     void setTitle(const QString &title);
-    qint16 MaxLine() const { return m_maxLine; }
+    qint16 MaxLine() const;
     void setMaxLine(qint16 rows);
-    qint16 Delay() const { return m_delay; }
+    qint16 Delay() const;
     void setDelay(qint16 milliseconds);
-    // Enabled and Font keep their names for hosts that reach them by name; their C++ setters are
-    // named so that they do not hide QWidget::setEnabled and QWidget::setFont.
-    bool Enabled() const;
-    void putEnabled(bool enabled);
+    // Font keeps its name for hosts that reach it by name; its C++ setter is named so that it
+    // does not hide QWidget::setFont. Enabled is the shell's.
     QFont Font() const;
     void putFont(const QFont &font);
-    bool EditEnabled() const { return m_editEnabled; }
+    bool EditEnabled() const;
     void setEditEnabled(bool enabled);
-    bool Sorting() const { return m_sorting; }
+    bool Sorting() const;
     void setSorting(bool sorting);
     bool Inv() const;
     void setInv(bool inverted);
-    bool SingleCheck() const { return m_singleCheck; }
+    bool SingleCheck() const;
     void setSingleCheck(bool single);
-    bool AllSelect() const { return m_allSelect; }
+    bool AllSelect() const;
     void setAllSelect(bool allSelect);
-    qint32 Appearance() const { return m_appearance; }
+    qint32 Appearance() const;
     void setAppearance(qint32 appearance);
-    qint32 Border() const { return m_border; }
+    qint32 Border() const;
     void setBorder(qint32 border);
     float Left() const { return float(x()); }
     void setLeft(float left);
@@ -95,17 +89,17 @@ public:
     float Width() const { return float(width()); }
     void setWidth(float width);
 
-    ExDate TypeData() const { return m_typeData; }
+    ExDate TypeData() const;
     void setTypeData(ExDate type);
-    QVariant SArrayData() const { return m_sourceArray; }
+    QVariant SArrayData() const;
     void setSArrayData(const QVariant &array);
     QObject *RecordsetData() const;
     void setRecordsetData(QObject *recordset);
-    QString CommandText() const { return m_commandText; }
+    QString CommandText() const;
     void setCommandText(const QString &text);
-    qint32 CommandType() const { return m_commandType.toInt(); }
+    qint32 CommandType() const;
     void setCommandType(qint32 type);
-    QObject *Connect() const { return m_connect; }
+    QObject *Connect() const;
     // Stores the connection and opens the rows at once (errors of the open reach the caller).
     void setConnect(QObject *connection);
     Q_INVOKABLE void Refresh();
@@ -131,8 +125,7 @@ public:
 
     // The drop-down: opens it when closed, closes it when open.
     void dropDown();
-    bool isDroppedDown() const { return m_listOpen; }
-    frmList *ListForm() const { return m_listForm; }
+    bool isDroppedDown() const;
 
 Q_SIGNALS:
     void Quite(bool Cancel); // the popup closed; the spelling is the one hosts connect to
@@ -147,50 +140,11 @@ protected:
     QSize minimumSizeHint() const override;
     void resizeEvent(QResizeEvent *event) override;
     bool eventFilter(QObject *watched, QEvent *event) override;
+    void childMouseEvent(QWidget *child, QEvent::Type type, MouseArgs &args) override;
 
 private:
-    void openList();
-    void closeList();
-    void onCheckTime();
-    void ListForm_Change(bool cancel);
-    void ListForm_ChangeInv(bool inverted);
-    void ListForm_UnloadMe();
-    int dropDownButtonWidth() const;
-    void layoutChildren();
-    void syncAccessibleNames();
-    void applyLook();
-    void setFieldText(const QString &text);
-    void setTips(const QVariant &texts);
-    // The closed field's text after a change of checks.
-    QString fieldTextFor(const QVariant &texts) const;
-
-    QLineEdit *m_text = nullptr;
-    QToolButton *m_button = nullptr;
-    QTimer *m_checkTime = nullptr;
-    frmList *m_listForm = nullptr;
-
-    qint16 m_maxLine = 5;
-    qint16 m_delay = 1;
-    bool m_editEnabled = true;
-    bool m_sorting = true;
-    bool m_inv = false;
-    bool m_singleCheck = false;
-    bool m_allSelect = false;
-    qint32 m_appearance = 1;
-    qint32 m_border = 1;
-
-    ExDate m_typeData = ADOData;
-    QVariant m_sourceArray;
-    bool m_sourceIs2D = false;
-    bool m_arraySource = false; // the rows came from SArrayData rather than a recordset
-    QString m_commandText;
-    QVariant m_commandType; // Empty until put: the recordset then decides by the text
-    QPointer<QObject> m_connect;
-    QObject *m_ownRecordset = nullptr; // the recordset that Refresh opened
-
-    bool m_listOpen = false;
-    QPointer<QWidget> m_watched;
-    QElapsedTimer m_leftAt; // when the popup last closed because the user left it
+    friend class CheckComboPrivate;
+    std::unique_ptr<CheckComboPrivate> d;
 };
 
 } // namespace zelkon

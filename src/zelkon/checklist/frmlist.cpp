@@ -1,12 +1,14 @@
-#include <zelkon/checklist/frmlist.h>
+#include <zelkon/checklist/frmlist_p.h>
 
+#include <zelkon/checklist/checklistmodel_p.h>
+#include <zelkon/checklist/checklistview_p.h>
 #include <zelkon/common/conversions.h>
 #include <zelkon/common/error.h>
 #include <zelkon/common/ignoreerrors_p.h>
 #include <zelkon/common/strings_p.h>
 #include <zelkon/common/variants.h>
 #include <zelkon/data/recordsetaccess_p.h>
-#include <zelkon/dropdown/frmshowhide.h>
+#include <zelkon/dropdown/frmshowhide_p.h>
 
 #include <QAction>
 #include <QHash>
@@ -15,28 +17,12 @@
 #include <QSet>
 #include <QTimer>
 
+#include <numeric>
 #include <vector>
 
 namespace zelkon {
 
 namespace {
-
-const QString AllText = QStringLiteral("All");
-
-// The elements of a one-dimensional array in index order. Any other single value stands for
-// itself; an array of more dimensions has no element that a one-index lookup could read.
-QVariantList elementsOf(const QVariant &value)
-{
-    if (IsEmpty(value))
-        return {};
-    if (value.metaType() == QMetaType::fromType<QVariantList>())
-        return value.toList();
-    if (isVariantArray(value)) {
-        const auto array = value.value<VariantArray>();
-        return array.dimensions() == 1 ? array.elements() : QVariantList();
-    }
-    return {value};
-}
 
 // Reads element i of a one-dimensional array, indices counted from 0, without copying the
 // array per element.
@@ -68,91 +54,44 @@ private:
     VariantArray m_array;
 };
 
-// Where each of a set of texts first stands among the texts added, for the length of one
-// operation. A reload looks every row up once: open addressing over the caller's order with a
-// light hash keeps that well below the cost of filling the list.
-class FirstPlaces
-{
-public:
-    explicit FirstPlaces(qsizetype expected)
-    {
-        size_t capacity = 16;
-        while (capacity < size_t(expected) * 2)
-            capacity <<= 1;
-        m_mask = capacity - 1;
-        m_slots.assign(capacity, Slot{0, -1});
-        m_texts.reserve(expected);
-    }
-
-    // Adds the text at the next place; false when it was there already.
-    bool add(const QString &text)
-    {
-        const int place = int(m_texts.size());
-        m_texts.append(text);
-        const quint32 hash = hashOf(text);
-        for (size_t i = hash & m_mask;; i = (i + 1) & m_mask) {
-            Slot &slot = m_slots[i];
-            if (slot.place < 0) {
-                slot = {hash, place};
-                return true;
-            }
-            if (slot.hash == hash && m_texts.at(slot.place) == text)
-                return false;
-        }
-    }
-    void skip() { m_texts.append(QString()); } // a place that no text can be found at
-
-    // The first place of the text, or -1.
-    int find(const QString &text) const
-    {
-        const quint32 hash = hashOf(text);
-        for (size_t i = hash & m_mask;; i = (i + 1) & m_mask) {
-            const Slot &slot = m_slots[i];
-            if (slot.place < 0)
-                return -1;
-            if (slot.hash == hash && m_texts.at(slot.place) == text)
-                return slot.place;
-        }
-    }
-    int size() const { return int(m_texts.size()); }
-
-private:
-    struct Slot
-    {
-        quint32 hash;
-        int place; // -1: empty
-    };
-    static quint32 hashOf(QStringView text)
-    {
-        quint32 h = 2166136261u;
-        for (const QChar c : text)
-            h = (h ^ c.unicode()) * 16777619u;
-        return h ^ (h >> 15);
-    }
-
-    size_t m_mask = 0;
-    std::vector<Slot> m_slots;
-    QList<QString> m_texts;
-};
-
 } // namespace
+
+QVariantList frmList::elementsOf(const QVariant &value)
+{
+    if (IsEmpty(value))
+        return {};
+    if (value.metaType() == QMetaType::fromType<QVariantList>())
+        return value.toList();
+    if (isVariantArray(value)) {
+        const auto array = value.value<VariantArray>();
+        return array.dimensions() == 1 ? array.elements() : QVariantList();
+    }
+    return {value};
+}
 
 frmList::frmList(QWidget *parent)
     : QWidget(parent, Qt::Tool | Qt::FramelessWindowHint | Qt::WindowStaysOnTopHint)
 {
     setObjectName(QStringLiteral("frmList"));
 
-    m_unsorted = new CheckListWidget(false, this);
-    m_sorted = new CheckListWidget(true, this);
-    for (CheckListWidget *widget : {m_unsorted, m_sorted}) {
-        widget->setObjectName(QStringLiteral("List"));
-        widget->setProperty("Index", widget == m_sorted ? 1 : 0);
-        widget->installEventFilter(this);
-        widget->viewport()->installEventFilter(this);
-        widget->viewport()->setMouseTracking(true);
-        connect(widget, &QListWidget::itemChanged, this,
-                [this](QListWidgetItem *item) { onItemChanged(item); });
+    // One model holds the rows; the list in use shows it, the other one stays empty and hidden.
+    m_model = new CheckListModel(this);
+    connect(m_model, &CheckListModel::rowChecked, this, [this](int row) { applySingleCheck(row); });
+    for (int index : {0, 1})
+        m_views[index] = new CheckListView(index, this);
+    for (CheckListView *view : m_views) {
+        view->installEventFilter(this);
+        view->viewport()->installEventFilter(this);
+        view->viewport()->setMouseTracking(true);
+        view->setToolTip(loadString(101));
+        // The tool tip gives way to a row's own text under the mouse; the description stays.
+        view->setAccessibleDescription(loadString(101));
     }
+    m_views[0]->setModel(m_model);
+    m_views[1]->hide();
+    setAccessibleName(tr("Filter list"));
+    m_views[0]->setAccessibleName(tr("Rows"));
+    m_views[1]->setAccessibleName(tr("Rows, sorted"));
 
     m_timer = new QTimer(this);
     m_timer->setObjectName(QStringLiteral("Timer"));
@@ -179,16 +118,6 @@ frmList::frmList(QWidget *parent)
         if (isVisible())
             m_timer->start();
     });
-
-    m_sorted->hide();
-    m_unsorted->setToolTip(loadString(101));
-    m_sorted->setToolTip(loadString(101));
-    // The tool tip gives way to a row's own text under the mouse; the description stays the hint.
-    setAccessibleName(tr("Filter list"));
-    m_unsorted->setAccessibleName(tr("Rows"));
-    m_sorted->setAccessibleName(tr("Rows, sorted"));
-    m_unsorted->setAccessibleDescription(loadString(101));
-    m_sorted->setAccessibleDescription(loadString(101));
 }
 
 frmList::~frmList()
@@ -202,18 +131,8 @@ void frmList::resizeEvent(QResizeEvent *event)
     QWidget::resizeEvent(event);
     // The list fills the window exactly: a layout would impose the list's own minimum size on
     // a popup that is sized by its row count.
-    m_unsorted->setGeometry(rect());
-    m_sorted->setGeometry(rect());
-}
-
-QAction *frmList::mnuPopup(int index) const
-{
-    return m_menuItems.value(index);
-}
-
-void frmList::setSourceRecordset(QObject *recordset)
-{
-    m_sourceRecordset = recordset;
+    m_views[0]->setGeometry(rect());
+    m_views[1]->setGeometry(rect());
 }
 
 void frmList::setActiveList(qint16 index)
@@ -221,47 +140,49 @@ void frmList::setActiveList(qint16 index)
     index = index ? 1 : 0;
     if (index == m_activeList)
         return;
-    // Only the list in use holds rows; its rows and checks move over to the other one.
-    CheckListWidget *old = List();
+    // The rows and their checks move over to the other list, which shows them in its order.
     const QStringList saved = checkedTextsOfList();
-    old->clearRows();
-    old->hide();
+    List()->setModel(nullptr);
+    List()->hide();
     m_activeList = index;
+    m_model->setSorted(index == 1);
+    List()->setModel(m_model);
     List()->show();
-    if (!m_allItems.isEmpty()) {
-        attempt([&] {
-            QList<CheckRow> rows;
-            const QSet<QString> checked(saved.cbegin(), saved.cend());
-            for (const QVariant &k : elementsOf(m_arVis)) {
-                const qint32 i = CLng(k);
-                if (i >= 0 && i < m_allItems.size())
-                    rows.append({m_allItems.at(i).text, m_allItems.at(i).id,
-                                 checked.contains(m_allItems.at(i).text)});
-            }
-            List()->fill(rows);
-        });
+    if (!m_model->items().empty()) {
+        const QSet<QString> checked(saved.cbegin(), saved.cend());
+        showArVis([&checked](const QString &text) { return checked.contains(text); });
     }
 }
 
 QVariant frmList::AllItems() const
 {
-    if (m_allItems.isEmpty())
+    const std::vector<CheckListItem> &items = m_model->items();
+    if (items.empty())
         return {};
-    VariantArray items({{0, qint32(m_allItems.size()) - 1}, {0, 1}});
-    for (qint32 i = 0; i < m_allItems.size(); ++i) {
-        items.at({i, 0}) = m_allItems.at(i).text;
-        items.at({i, 1}) = m_allItems.at(i).id;
+    VariantArray all({{0, qint32(items.size()) - 1}, {0, 1}});
+    for (qint32 i = 0; i < qint32(items.size()); ++i) {
+        all.at({i, 0}) = items[size_t(i)].text;
+        all.at({i, 1}) = items[size_t(i)].id;
     }
-    return QVariant::fromValue(items);
+    return QVariant::fromValue(all);
+}
+
+int frmList::snapshotRows() const
+{
+    return int(m_model->items().size());
+}
+
+bool frmList::Invert() const
+{
+    return m_menuItems[4]->isChecked();
 }
 
 QStringList frmList::checkedTextsOfList() const
 {
     QStringList texts;
-    const CheckListWidget *l = List();
-    for (int i = 0; i < l->count(); ++i) {
-        if (l->isChecked(i))
-            texts.append(l->rowText(i));
+    for (int i = 0; i < m_model->rowCount(); ++i) {
+        if (m_model->isChecked(i))
+            texts.append(m_model->text(i));
     }
     return texts;
 }
@@ -271,64 +192,50 @@ void frmList::InsertArray()
     qint32 upper2 = -1;
     attempt([&] { upper2 = UBound(m_sourceArray, 2); });
     m_sourceIs2D = upper2 >= 0;
-
-    // The new rows replace the old ones in one fill below, which lets the list reuse its rows.
-    m_allItems.clear();
     if (IsEmpty(m_sourceArray)) {
-        List()->clearRows();
+        m_model->clear();
         return;
     }
 
     // A row that cannot be read ends the loading; the rows before it stay.
-    QList<CheckRow> rows;
+    std::vector<CheckListItem> rows;
     attempt([&] {
         if (m_sourceIs2D) {
             const auto array = m_sourceArray.value<VariantArray>();
+            rows.reserve(size_t(qMin(upper2 + 1, CheckListModel::MaxRows)));
             for (qint32 i = 0; i <= upper2; ++i) {
-                if (rows.size() == CheckListWidget::MaxRows)
+                if (rows.size() == size_t(CheckListModel::MaxRows))
                     throw Error(Overflow);
-                CheckRow row{CStr(array.at({0, i})), CLng(array.at({1, i}))};
-                rows.append(row);
+                rows.push_back({CStr(array.at({0, i})), CLng(array.at({1, i}))});
             }
         } else {
             const qint32 upper = UBound(m_sourceArray, 1);
             const ElementReader array(m_sourceArray);
-            rows.reserve(qMin(upper + 1, CheckListWidget::MaxRows));
+            rows.reserve(size_t(qMin(upper + 1, CheckListModel::MaxRows)));
             for (qint32 i = 0; i <= upper; ++i) {
-                if (rows.size() == CheckListWidget::MaxRows)
+                if (rows.size() == size_t(CheckListModel::MaxRows))
                     throw Error(Overflow);
-                rows.append({CStr(array.at(i))});
+                const QVariant &text = array.at(i);
+                rows.push_back({text.metaType() == QMetaType::fromType<QString>()
+                                    ? *static_cast<const QString *>(text.constData())
+                                    : CStr(text)});
             }
         }
     });
-    if (List()->isSorted())
-        CheckListWidget::sortRows(rows);
-
-    // The rows go into the list once: a freshly loaded list has no checks to carry over, so
-    // showing every row again is the same as the load itself.
-    m_arVis = QVariant();
-    if (!rows.isEmpty()) {
-        QVariantList all;
-        all.reserve(rows.size());
-        for (qint32 i = 0; i < rows.size(); ++i)
-            all.append(i);
-        m_arVis = all;
-    }
-    if (!m_arVisReady)
-        m_arVisReady = true;
-    m_allItems = rows;
-    List()->fill(std::move(rows), true);
+    // A fresh load has no checks to carry over: showing every row is the load itself.
+    ReloadArVisFor(int(rows.size()));
+    m_arVisReady = true;
+    m_model->load(std::move(rows));
 }
 
 void frmList::InsertRecord()
 {
-    m_unsorted->setVisible(m_activeList == 0);
-    m_sorted->setVisible(m_activeList == 1);
-    List()->clearRows();
-    m_allItems.clear();
+    m_views[0]->setVisible(m_activeList == 0);
+    m_views[1]->setVisible(m_activeList == 1);
+    m_model->clear();
 
     RecordsetAccess recordset(m_sourceRecordset);
-    QList<CheckRow> rows;
+    std::vector<CheckListItem> rows;
     // A recordset that cannot even be positioned ends the operation here.
     if (!attempt([&] {
             recordset.moveLast();
@@ -338,94 +245,85 @@ void frmList::InsertRecord()
     // Anything failing later ends the reading; the rows read so far are kept.
     attempt([&] {
         while (!recordset.atEOF()) {
-            if (rows.size() == CheckListWidget::MaxRows)
+            if (rows.size() == size_t(CheckListModel::MaxRows))
                 throw Error(Overflow);
             // A Null text cannot be converted: that record adds no row.
-            attempt([&] { rows.append({Trim(CStr(recordset.fieldValue(0)))}); });
+            attempt([&] { rows.push_back({Trim(CStr(recordset.fieldValue(0)))}); });
             recordset.moveNext();
         }
     });
-    if (List()->isSorted())
-        CheckListWidget::sortRows(rows);
-
     if (!m_arVisReady) {
-        ReloadArVisFor(rows.size());
+        ReloadArVisFor(int(rows.size()));
         m_arVisReady = true;
     }
-    m_allItems = rows;
-    RebuildVisibleRows();
+    // The rows of an earlier load are gone: no check is carried over.
+    m_model->load(std::move(rows));
+    showArVis([](const QString &) { return false; });
 }
 
 void frmList::ReloadArVis()
 {
-    ReloadArVisFor(List()->count());
+    ReloadArVisFor(m_model->rowCount());
 }
 
 void frmList::ReloadArVisFor(int rows)
 {
     m_arVis = QVariant();
-    if (rows == 0)
-        return;
-    QVariantList all;
-    all.reserve(rows);
-    for (qint32 i = 0; i < rows; ++i)
-        all.append(i);
-    m_arVis = all;
+    m_everyRow = rows > 0 ? rows : -1;
 }
 
-void frmList::TakeSnapshot()
+QVariant frmList::ArVis() const
 {
-    if (!m_arVisReady) {
-        ReloadArVis();
-        m_arVisReady = true;
+    if (m_everyRow < 0)
+        return m_arVis;
+    QVariantList all;
+    all.reserve(m_everyRow);
+    for (qint32 i = 0; i < m_everyRow; ++i)
+        all.append(i);
+    return all;
+}
+
+void frmList::setArVis(const QVariant &rows)
+{
+    m_arVis = rows;
+    m_everyRow = -1;
+}
+
+void frmList::showArVis(const std::function<bool(const QString &)> &checked)
+{
+    std::vector<qint32> shown;
+    if (m_everyRow >= 0) {
+        shown.resize(size_t(m_everyRow));
+        std::iota(shown.begin(), shown.end(), 0);
     }
-    m_allItems.clear();
-    const CheckListWidget *l = List();
-    const int rows = l->count();
-    m_allItems.reserve(rows);
-    for (int i = 0; i < rows; ++i)
-        m_allItems.append({l->rowText(i), l->itemValue(i)});
+    const QVariantList numbers = elementsOf(m_arVis);
+    shown.reserve(shown.size() + size_t(numbers.size()));
+    for (const QVariant &k : numbers) {
+        qint32 i = -1; // a row number that names no row adds nothing
+        attempt([&] { i = CLng(k); });
+        shown.push_back(i);
+    }
+    m_model->show(shown, checked);
 }
 
 void frmList::RebuildVisibleRows()
 {
-    const QStringList saved = checkedTextsOfList();
-    List()->clearRows();
-
     // Matching is by text alone: every row with a saved text is checked, so rows that share a
-    // text are checked or unchecked together.
-    FirstPlaces savedOrder(saved.size());
-    // Where each text stands last among the saved: rows that share a text are checked again in
-    // the later turn of that text.
-    std::vector<int> lastPlace(size_t(saved.size()));
-    for (int place = 0; place < saved.size(); ++place) {
-        lastPlace[size_t(place)] = place;
-        if (!savedOrder.add(saved.at(place)))
-            lastPlace[size_t(savedOrder.find(saved.at(place)))] = place;
-    }
+    // text are checked or unchecked together. Each text keeps the last place it had.
+    const QStringList saved = checkedTextsOfList();
+    QHash<QString, int> lastPlace;
+    for (int place = 0; place < saved.size(); ++place)
+        lastPlace.insert(saved.at(place), place);
+    showArVis([&lastPlace](const QString &text) { return lastPlace.contains(text); });
 
-    QList<CheckRow> rows;
-    for (const QVariant &k : elementsOf(m_arVis)) {
-        // A host's ArrayVisible may name rows more than once: the row counters end the list.
-        if (rows.size() == CheckListWidget::MaxRows)
-            break;
-        qint32 i = -1;
-        if (!attempt([&] { i = CLng(k); }) || i < 0 || i >= m_allItems.size())
-            continue; // a row number that names no row adds nothing
-        const CheckRow &row = m_allItems.at(i);
-        rows.append({row.text, row.id, savedOrder.find(row.text) >= 0});
-    }
-    List()->fill(std::move(rows));
-
-    if (m_singleCheck && saved.size() > 0) {
+    if (m_singleCheck && !saved.isEmpty()) {
         // The newest check is the last row reached by the last saved text.
         int newest = -1;
-        int newestOrder = -1;
-        const CheckListWidget *l = List();
-        for (int j = 0; j < l->count(); ++j) {
-            const int place = savedOrder.find(l->rowText(j));
-            if (place >= 0 && lastPlace[size_t(place)] >= newestOrder) {
-                newestOrder = lastPlace[size_t(place)];
+        int newestPlace = -1;
+        for (int j = 0; j < m_model->rowCount(); ++j) {
+            const int place = lastPlace.value(m_model->text(j), -1);
+            if (place >= 0 && place >= newestPlace) {
+                newestPlace = place;
                 newest = j;
             }
         }
@@ -433,91 +331,102 @@ void frmList::RebuildVisibleRows()
     }
 }
 
-void frmList::GetChecked()
+void frmList::readCheckedIDs()
+{
+    QVariantList ids;
+    ids.reserve(m_model->checkedCount());
+    for (int i = 0; i < m_model->rowCount(); ++i) {
+        if (m_model->isChecked(i))
+            ids.append(m_model->id(i));
+    }
+    m_checkedIDs = ids.isEmpty() ? QVariant() : QVariant(std::move(ids));
+}
+
+QVariant frmList::readCheckedTexts() const
 {
     QVariantList texts;
-    QVariantList ids;
-    List()->checkedRows(&texts, &ids);
-    if (texts.isEmpty()) {
-        m_checkedTexts = QVariantList{AllText};
-        m_checkedIDs = QVariant();
-    } else {
-        texts.squeeze();
-        ids.squeeze();
-        m_checkedTexts = std::move(texts);
-        m_checkedIDs = std::move(ids);
+    texts.reserve(m_model->checkedCount());
+    for (int i = 0; i < m_model->rowCount(); ++i) {
+        if (m_model->isChecked(i))
+            texts.append(m_model->text(i));
     }
+    return texts.isEmpty() ? QVariantList{allText()} : std::move(texts);
+}
+
+void frmList::GetChecked()
+{
+    m_checkedTexts = readCheckedTexts();
+    readCheckedIDs();
 }
 
 void frmList::RepairCheck()
 {
-    CheckListWidget *l = List();
-    if (l->count() == 0)
+    const int rows = m_model->rowCount();
+    if (rows == 0)
         return;
-    attempt([&] {
+    // When the rows checked are the texts asked for, one row each and in list order, reading the
+    // checks back would give the same texts again: only the identifiers are read then.
+    bool asAsked = m_checkedTexts.metaType() == QMetaType::fromType<QVariantList>();
+    qsizetype asked = 0;
+    const bool done = attempt([&] {
         const QVariantList wanted = elementsOf(m_checkedTexts);
-        QList<bool> marks(l->count(), false);
+        asked = wanted.size();
+        std::vector<bool> marks(size_t(rows), false);
         int newest = -1;
         // A lone "All" means that nothing is checked; among several texts it is a row's text.
-        const bool nothing = wanted.size() == 1 && wanted.first() == QVariant(AllText);
+        const bool nothing = wanted.size() == 1 && wanted.first() == QVariant(allText());
+        asAsked = asAsked && !nothing && !wanted.isEmpty();
         if (!nothing && !wanted.isEmpty()) {
-            // Each text checks the first row that has it. The index of the wanted texts lives
-            // for this call only: the list stays the one authority for the checks.
-            FirstPlaces places(wanted.size());
-            int unmatched = 0;
-            // Where each text stands last among the wanted: a repeated text is checked again
-            // in its later turn.
-            std::vector<int> lastPlace;
-            lastPlace.reserve(size_t(wanted.size()));
+            // Each text checks the first row that has it; the newest check is the row of the
+            // last text that matched. The texts are looked at where they are.
+            QHash<QStringView, int> firstRow;
+            firstRow.reserve(rows);
+            for (int j = rows - 1; j >= 0; --j)
+                firstRow.insert(m_model->text(j), j);
+            QString converted;
             for (const QVariant &text : wanted) {
-                const int place = int(lastPlace.size());
-                lastPlace.push_back(place);
-                QString key;
-                if (!attempt([&] { key = CStr(text); }))
-                    places.skip();
-                else if (places.add(key))
-                    ++unmatched;
-                else
-                    lastPlace[size_t(places.find(key))] = place;
-            }
-            // A text checks one row only; the newest check is the row of the text that came
-            // last among the wanted.
-            std::vector<bool> used(size_t(places.size()), false);
-            int newestPlace = -1;
-            const int rows = l->count();
-            for (int j = 0; j < rows && unmatched > 0; ++j) {
-                const int place = places.find(l->rowText(j));
-                if (place < 0 || used[size_t(place)])
-                    continue;
-                used[size_t(place)] = true;
-                --unmatched;
-                marks[j] = true;
-                if (lastPlace[size_t(place)] > newestPlace) {
-                    newestPlace = lastPlace[size_t(place)];
-                    newest = j;
+                QStringView key;
+                if (text.metaType() == QMetaType::fromType<QString>()) {
+                    key = *static_cast<const QString *>(text.constData());
+                } else {
+                    asAsked = false;
+                    if (!attempt([&] { converted = CStr(text); }))
+                        continue;
+                    key = converted;
                 }
+                const auto it = firstRow.constFind(key);
+                if (it == firstRow.cend() || *it <= newest) {
+                    asAsked = false;
+                    if (it == firstRow.cend())
+                        continue;
+                }
+                marks[size_t(*it)] = true;
+                newest = *it;
             }
         }
         setCheckedRows(marks, newest);
     });
-    GetChecked();
-    l->setTopRow(0);
+    if (done && asAsked && m_model->checkedCount() == asked)
+        readCheckedIDs();
+    else
+        GetChecked();
+    List()->setTopRow(0);
 }
 
 void frmList::RepairCheckID()
 {
-    CheckListWidget *l = List();
-    if (l->count() == 0)
+    const int rows = m_model->rowCount();
+    if (rows == 0)
         return;
     attempt([&] {
         const QVariantList wanted = elementsOf(m_checkedIDs);
-        QList<bool> marks(l->count(), false);
+        std::vector<bool> marks(size_t(rows), false);
         int newest = -1;
         if (!wanted.isEmpty()) {
             QHash<qint32, int> firstRow;
-            firstRow.reserve(l->count());
-            for (int j = l->count() - 1; j >= 0; --j)
-                firstRow.insert(l->itemValue(j), j);
+            firstRow.reserve(rows);
+            for (int j = rows - 1; j >= 0; --j)
+                firstRow.insert(m_model->id(j), j);
             for (const QVariant &id : wanted) {
                 qint32 key = 0;
                 if (!attempt([&] { key = CLng(id); }))
@@ -525,7 +434,7 @@ void frmList::RepairCheckID()
                 // An identifier given again is checked again in its turn.
                 const auto it = firstRow.constFind(key);
                 if (it != firstRow.cend()) {
-                    marks[*it] = true;
+                    marks[size_t(*it)] = true;
                     newest = *it;
                 }
             }
@@ -533,7 +442,7 @@ void frmList::RepairCheckID()
         setCheckedRows(marks, newest);
     });
     GetChecked();
-    l->setTopRow(0);
+    List()->setTopRow(0);
 }
 
 void frmList::SetInvert(bool value)
@@ -541,32 +450,33 @@ void frmList::SetInvert(bool value)
     m_menuItems[4]->setChecked(value);
 }
 
-void frmList::setCheckedRows(const QList<bool> &checked, int newest)
+void frmList::setCheckedRows(const std::vector<bool> &checked, int newest)
 {
-    List()->setChecks([&](int row, bool) { return checked.value(row); });
+    m_model->setChecks([&](int row, bool) { return checked[size_t(row)]; });
     applySingleCheck(newest);
 }
 
 void frmList::setChecksInTurn(const std::function<bool(int, bool)> &state)
 {
-    CheckListWidget *l = List();
+    const int top = List()->topRow();
     if (!m_singleCheck) {
-        l->setChecks(state);
+        m_model->setChecks(state);
+        List()->setTopRow(top);
         return;
     }
     // The rows are set one after the other, and each check that makes a second one leaves only
     // itself checked: a row that an earlier check unchecked is seen unchecked when its turn
     // comes, so the last row checked in turn wins even where it was checked before.
-    const int n = l->count();
-    QList<bool> marks(n);
+    const int n = m_model->rowCount();
+    std::vector<bool> marks(static_cast<size_t>(n), false);
     int count = 0;
     for (int i = 0; i < n; ++i) {
-        marks[i] = l->isChecked(i);
-        count += marks.at(i) ? 1 : 0;
+        marks[size_t(i)] = m_model->isChecked(i);
+        count += marks[size_t(i)] ? 1 : 0;
     }
     int sole = -1; // the one row left checked once the rule has run
     for (int i = 0; i < n; ++i) {
-        const bool was = sole < 0 && marks.at(i);
+        const bool was = sole < 0 && marks[size_t(i)];
         const bool now = state(i, was);
         if (now == was)
             continue;
@@ -574,62 +484,44 @@ void frmList::setChecksInTurn(const std::function<bool(int, bool)> &state)
             sole = i;
             continue;
         }
-        marks[i] = now;
+        marks[size_t(i)] = now;
         count += now ? 1 : -1;
         if (now && count >= 2)
             sole = i;
     }
     if (sole >= 0) {
-        marks.fill(false);
-        marks[sole] = true;
+        marks.assign(size_t(n), false);
+        marks[size_t(sole)] = true;
     }
-    l->setChecks([&marks](int row, bool) { return marks.at(row); });
+    m_model->setChecks([&marks](int row, bool) { return bool(marks[size_t(row)]); });
+    List()->setTopRow(top);
 }
 
 void frmList::CheckAllRows()
 {
-    CheckListWidget *l = List();
-    const int top = l->topRow();
     setChecksInTurn([](int, bool) { return true; });
-    l->setTopRow(top);
 }
 
 void frmList::UncheckAllRows()
 {
-    CheckListWidget *l = List();
-    const int top = l->topRow();
-    l->setChecks([](int, bool) { return false; });
-    l->setTopRow(top);
+    setChecksInTurn([](int, bool) { return false; });
 }
 
 void frmList::InvertRows()
 {
-    CheckListWidget *l = List();
-    const int top = l->topRow();
     setChecksInTurn([](int, bool checked) { return !checked; });
-    l->setTopRow(top);
 }
 
 void frmList::applySingleCheck(int newest)
 {
-    if (!m_singleCheck || newest < 0 || m_inSingleCheck)
-        return;
-    CheckListWidget *l = List();
-    if (l->checkedCount() < 2)
+    if (!m_singleCheck || newest < 0 || m_inSingleCheck || m_model->checkedCount() < 2)
         return;
     m_inSingleCheck = true;
+    CheckListView *l = List();
     l->setUpdatesEnabled(false);
-    l->setChecks([newest](int row, bool checked) { return row == newest && checked; });
+    m_model->setChecks([newest](int row, bool checked) { return row == newest && checked; });
     l->setUpdatesEnabled(true);
     m_inSingleCheck = false;
-}
-
-void frmList::onItemChanged(QListWidgetItem *item)
-{
-    CheckListWidget *l = List();
-    if (item->listWidget() != l || item->checkState() != Qt::Checked)
-        return;
-    applySingleCheck(l->row(item));
 }
 
 bool frmList::FillShowHideDialog()
@@ -637,9 +529,9 @@ bool frmList::FillShowHideDialog()
     if (!m_showHideDialog)
         m_showHideDialog = new frmShowHide(this);
     QStringList texts;
-    texts.reserve(m_allItems.size());
-    for (const CheckRow &row : std::as_const(m_allItems))
-        texts.append(row.text);
+    texts.reserve(qsizetype(m_model->items().size()));
+    for (const CheckListItem &item : m_model->items())
+        texts.append(item.text);
     m_showHideDialog->fill(texts);
     return !m_showHideDialog.isNull();
 }
@@ -652,15 +544,16 @@ void frmList::ShowHideRows()
     // the popup, so the activation check waits for it.
     const bool watching = m_timer->isActive();
     m_timer->stop();
-    QVariant shown = m_arVis;
+    // The dialog edits the shown rows in place: a declined dialog leaves its marks there too,
+    // and they take effect at the next rebuild.
+    QVariant shown = ArVis();
     const bool confirmed = m_showHideDialog->frmActivate(shown);
+    setArVis(shown);
     if (watching && isVisible())
         m_timer->start();
-    // A declined dialog hands back its marks too; they are not applied.
     if (confirmed) {
-        m_arVis = shown;
-        if (IsEmpty(shown))
-            List()->clearRows();
+        if (IsEmpty(m_arVis))
+            m_model->clearRows();
         else
             RebuildVisibleRows();
     }

@@ -1,5 +1,8 @@
 // The popup side of frmList: showing, the activation timer, keys, mouse and the context menu.
-#include <zelkon/checklist/frmlist.h>
+#include <zelkon/checklist/frmlist_p.h>
+
+#include <zelkon/checklist/checklistmodel_p.h>
+#include <zelkon/checklist/checklistview_p.h>
 
 #include <zelkon/common/conversions.h>
 #include <zelkon/common/ignoreerrors_p.h>
@@ -17,11 +20,11 @@ namespace zelkon {
 
 int frmList::heightForRows(int rows) const
 {
-    const CheckListWidget *l = List();
+    const CheckListView *l = List();
     return qMax(1, rows) * l->rowHeight() + 2 * l->frameWidth();
 }
 
-void frmList::popUp(const QRect &geometry, int firstDelay)
+void frmList::popUp(const QRect &geometry)
 {
     // Placed and sized while still hidden, so its first frame is drawn where it belongs.
     setGeometry(geometry);
@@ -31,7 +34,7 @@ void frmList::popUp(const QRect &geometry, int firstDelay)
     List()->setFocus();
     m_beenActive = QApplication::activeWindow() == this;
     m_openedAt.start();
-    m_timer->setInterval(qMax(0, firstDelay));
+    m_timer->setInterval(qMax<int>(0, m_delay));
     m_timer->start();
 }
 
@@ -99,8 +102,8 @@ bool frmList::handleKey(QKeyEvent *event)
 
 bool frmList::eventFilter(QObject *watched, QEvent *event)
 {
-    CheckListWidget *active = List();
-    if (watched == m_unsorted || watched == m_sorted) {
+    CheckListView *active = List();
+    if (watched == m_views[0] || watched == m_views[1]) {
         if (event->type() == QEvent::KeyPress)
             return handleKey(static_cast<QKeyEvent *>(event));
         return false;
@@ -145,12 +148,12 @@ void frmList::showContextMenu(const QPoint &globalPos)
 
 void frmList::showRowTip(const QPoint &viewportPos)
 {
-    CheckListWidget *l = List();
+    CheckListView *l = List();
     l->setToolTip(QString());
-    const QListWidgetItem *item = l->itemAt(viewportPos);
-    if (!item)
+    const QModelIndex row = l->indexAt(viewportPos);
+    if (!row.isValid())
         return;
-    const QString text = item->text();
+    const QString text = m_model->text(row.row());
     attempt([&] {
         RecordsetAccess recordset(m_sourceRecordset);
         const QString criterion

@@ -1,4 +1,4 @@
-#include <zelkon/dropdown/frmshowhide.h>
+#include <zelkon/dropdown/frmshowhide_p.h>
 
 #include <zelkon/common/platform.h>
 #include <zelkon/common/strings_p.h>

@@ -1,8 +1,6 @@
 // zelkon::frmShowHide: the modal dialog in which the user marks the rows of a check list to show.
 #pragma once
 
-#include <zelkon/common/global.h>
-
 #include <QDialog>
 #include <QVariant>
 
@@ -11,7 +9,7 @@ class QPushButton;
 
 namespace zelkon {
 
-class ZELKON_EXPORT frmShowHide : public QDialog
+class frmShowHide : public QDialog
 {
     Q_OBJECT
 
@@ -26,8 +24,8 @@ public:
     void fill(const QStringList &texts);
     bool confirmed() const { return m_confirmed; }
 
-    // Runs the dialog modally and hands back, in ArVis, the positions of the marked rows (Empty
-    // when none is marked). Returns whether the user confirmed.
+    // Runs the dialog modally and replaces ArVis with the positions of the marked rows (Empty
+    // when none is marked), whether the user confirmed or not. Returns whether the user confirmed.
     Q_INVOKABLE bool frmActivate(QVariant &ArVis);
 
 private:
