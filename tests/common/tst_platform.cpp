@@ -244,8 +244,8 @@ void tst_Platform::upDownArrows()
 void tst_Platform::controlsInFormLayout()
 {
     // Every control sizes itself for a layout; the one-line ones stand as high as a line edit.
-    const QStringList oneLine
-        = {QStringLiteral("CheckCombo"), QStringLiteral("RelDate"), QStringLiteral("NumEdit")};
+    const QStringList oneLine = {QStringLiteral("CheckCombo"), QStringLiteral("RelDate"),
+                                 QStringLiteral("NumEdit"), QStringLiteral("Navigator")};
     QWidget form;
     auto *layout = new QFormLayout(&form);
     auto *edit = new QLineEdit(&form);
