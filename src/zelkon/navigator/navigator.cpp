@@ -85,6 +85,7 @@ public:
     bool showing = false;
     bool resizing = false;
     bool focused = false;
+    std::optional<bool> matchColors; // the colours last set: a match's or no match's
 };
 
 NavigatorPrivate::NavigatorPrivate(Navigator *q)
@@ -170,6 +171,10 @@ void NavigatorPrivate::selectRow(int row)
 
 void NavigatorPrivate::setColors(bool match)
 {
+    // A palette change repolishes the text box: a keystroke that keeps the state skips it.
+    if (matchColors == match)
+        return;
+    matchColors = match;
     applyOleColor(text1, QPalette::Base, match ? SystemWindowBackground : SystemInfoBackground);
     applyOleColor(text1, QPalette::Text, match ? SystemWindowText : SystemInfoText);
 }
