@@ -28,6 +28,7 @@ class HostRecordset : public QObject
     Q_PROPERTY(QObject *Fields READ fields)
 public:
     Recordset r;
+    void Open(const QString &source, const QString &connection) { r.Open(source, connection); }
     Q_INVOKABLE void MoveFirst() { r.MoveFirst(); }
     Q_INVOKABLE void MoveNext() { r.MoveNext(); }
     Q_INVOKABLE void Find(QString c, int skip, int dir, int start) { r.Find(c, skip, dir, start); }
@@ -37,9 +38,10 @@ public:
 
 namespace {
 
-enum Colors { Normal, Info };
+enum Colors { Normal, Info, Other };
 
-// A Navigator created by class name in a dialog, after a plain field that holds the focus first.
+// A newly placed Navigator created by class name in a dialog, after a plain field that holds the
+// focus first.
 struct Form
 {
     Form()
@@ -47,10 +49,10 @@ struct Form
         other->move(0, 150);
         nav->InitProperties();
         nav->setGeometry(10, 100, 160, nav->sizeHint().height());
+        dialog.resize(300, 300);
     }
     bool show()
     {
-        dialog.resize(300, 300);
         dialog.show();
         dialog.activateWindow();
         other->setFocus();
@@ -60,18 +62,16 @@ struct Form
     bool closed() const { return text1->height() == nav->height(); }
     int row() const { return list1->currentIndex().row(); }
     int rows() const { return list1->model()->rowCount(); }
-    QString line(int row) const { return list1->model()->index(row, 0).data().toString(); }
     Colors colors() const
     {
-        const QPalette p = text1->palette();
-        const QPalette app = QApplication::palette();
-        if (p.color(QPalette::Base) == app.color(QPalette::ToolTipBase)
-            && p.color(QPalette::Text) == app.color(QPalette::ToolTipText))
-            return Info;
-        if (p.color(QPalette::Base) == app.color(QPalette::Base)
-            && p.color(QPalette::Text) == app.color(QPalette::Text))
-            return Normal;
-        return Colors(-1);
+        const auto is = [this](QPalette::ColorRole base, QPalette::ColorRole text) {
+            const QPalette p = text1->palette(), app = QApplication::palette();
+            return p.color(QPalette::Base) == app.color(base)
+                && p.color(QPalette::Text) == app.color(text);
+        };
+        return is(QPalette::Base, QPalette::Text)              ? Normal
+            : is(QPalette::ToolTipBase, QPalette::ToolTipText) ? Info
+                                                               : Other;
     }
 
     TestPlatform platform;
@@ -85,7 +85,7 @@ struct Form
 } // namespace
 
 // Every recordset case runs on a SQLite file and on the PostgreSQL server that ZELKON_TEST_PG
-// names; both hold the same table, read with the name in column 1 and the code in column 0.
+// names; both hold the same table, read with the code in column 0 and the name in column 1.
 class tst_Navigator : public QObject
 {
     Q_OBJECT
@@ -95,7 +95,6 @@ class tst_Navigator : public QObject
     const QString m_pg = qEnvironmentVariable("ZELKON_TEST_PG");
     const QString m_table = u"zelkon_nav_%1"_qs.arg(QCoreApplication::applicationPid());
     QString m_cs;
-    const QStringList m_lines = {u"Abc"_qs, u"abd"_qs, u"Xyz"_qs, u"Abc"_qs, u"O'Neil"_qs};
 
     void createTable(const QString &connectionString, bool create)
     {
@@ -111,16 +110,17 @@ class tst_Navigator : public QObject
         for (const QString &s : statements)
             QVERIFY2(q.exec(s.arg(m_table)), qPrintable(s));
     }
-    std::unique_ptr<Recordset> open()
+    template<typename R>
+    std::unique_ptr<R> open()
     {
-        auto rs = std::make_unique<Recordset>();
+        auto rs = std::make_unique<R>();
         rs->Open(u"SELECT code, name FROM %1 ORDER BY id"_qs.arg(m_table), m_cs);
         return rs;
     }
-    // A form whose Navigator shows the names over the case's recordset.
+    // The form's Navigator shows the names of the case's recordset.
     std::unique_ptr<Recordset> bind(Form &form)
     {
-        auto rs = open();
+        auto rs = open<Recordset>();
         form.nav->setProperty("FieldInd", 1);
         form.nav->setProperty("DataSourthe", QVariant::fromValue<QObject *>(rs.get()));
         return rs;
@@ -157,321 +157,294 @@ private Q_SLOTS:
             QSKIP("ZELKON_TEST_PG is not set");
     }
 
-    void search_data();
-    void search();
-    void eraseAndClick();
-    void allCaps();
-    void disabled();
-    void openAndClose_data();
-    void openAndClose();
-    void text2();
-    void badSources_data();
-    void badSources();
-    void mouseEvents();
-    void persistence();
-};
-
-void tst_Navigator::search_data()
-{
-    QTest::addColumn<QTestEventList>("keys");
-    QTest::addColumn<int>("row");
-    QTest::addColumn<int>("colors");
-    QTest::addColumn<int>("changes");
-    const auto typed = [](const char *text) {
-        QTestEventList events;
-        events.addKeyClicks(QString::fromUtf8(text));
-        return events;
-    };
-    // The first record that Find returns, compared without case; duplicates select the first.
-    QTest::newRow("first of two cases") << typed("ab") << 0 << int(Normal) << 2;
-    QTest::newRow("narrowed") << typed("abd") << 1 << int(Normal) << 3;
-    QTest::newRow("duplicate") << typed("abc") << 0 << int(Normal) << 3;
-    QTest::newRow("no match") << typed("abq") << -1 << int(Info) << 3;
-    // The text goes into the criterion as typed: the recordset refuses it, which is no match.
-    QTest::newRow("apostrophe") << typed("O'") << -1 << int(Info) << 2;
-    QTestEventList corrected = typed("abq");
-    corrected.addKeyClick(Qt::Key_Backspace);
-    QTest::newRow("corrected") << corrected << 0 << int(Normal) << 4;
-}
-
-void tst_Navigator::search()
-{
-    QFETCH(QTestEventList, keys);
-    QFETCH(int, row);
-    QFETCH(int, colors);
-    QFETCH(int, changes);
-    Form form;
-    const auto rs = bind(form);
-    QVERIFY(form.show());
-    form.enter();
-    QCOMPARE(form.text1->text(), u" "_qs); // the default, selected on entry: typing replaces it
-    QSignalSpy contextChange(form.nav, &Navigator::ContextChange);
-
-    keys.simulate(form.text1);
-
-    QCOMPARE(contextChange.count(), changes); // one per change, the refused one too
-    QCOMPARE(form.row(), row);
-    QCOMPARE(form.colors(), Colors(colors));
-    // One line per record with text, in recordset order, duplicates kept.
-    QStringList lines;
-    for (int i = 0; i < form.rows(); ++i)
-        lines << form.line(i);
-    QCOMPARE(lines, m_lines);
-}
-
-void tst_Navigator::eraseAndClick()
-{
-    // Given a text that matches nothing
-    Form form;
-    const auto rs = bind(form);
-    QVERIFY(form.show());
-    form.enter();
-    QTest::keyClicks(form.text1, u"zz"_qs);
-    QCOMPARE(form.colors(), Info);
-    // When it is erased, then nothing is selected, the list is at its top, the colours stay
-    QTest::keyClick(form.text1, Qt::Key_A, Qt::ControlModifier);
-    QTest::keyClick(form.text1, Qt::Key_Delete);
-    QCOMPARE(form.row(), -1);
-    QCOMPARE(form.list1->indexAt(QPoint(2, 2)).row(), 0);
-    QCOMPARE(form.colors(), Info);
-
-    // When the second "Abc" is clicked, then it is copied without a search (a search would
-    // select the first "Abc"), with normal colours and one ContextChange
-    QSignalSpy contextChange(form.nav, &Navigator::ContextChange);
-    const QRect line = form.list1->visualRect(form.list1->model()->index(3, 0));
-    QTest::mouseClick(form.list1->viewport(), Qt::LeftButton, {}, line.center());
-    QCOMPARE(form.text1->text(), u"Abc"_qs);
-    QCOMPARE(form.row(), 3);
-    QCOMPARE(form.colors(), Normal);
-    QCOMPARE(contextChange.count(), 1);
-    QVERIFY(!form.closed());
-
-    // When a line is double-clicked, then it is taken, the list closes and the text has the focus
-    const QRect first = form.list1->visualRect(form.list1->model()->index(2, 0));
-    QTest::mouseClick(form.list1->viewport(), Qt::LeftButton, {}, first.center());
-    QTest::mouseDClick(form.list1->viewport(), Qt::LeftButton, {}, first.center());
-    QCOMPARE(form.text1->text(), u"Xyz"_qs);
-    QVERIFY(form.closed());
-    QVERIFY(form.text1->hasFocus());
-}
-
-void tst_Navigator::allCaps()
-{
-    Form form;
-    const auto rs = bind(form);
-    form.nav->setProperty("AllCaps", true);
-    QVERIFY(form.show());
-    form.enter();
-    QTest::keyClicks(form.text1, u"abc"_qs);
-    QCOMPARE(form.text1->text(), u"ABC"_qs);
-    QCOMPARE(form.text1->cursorPosition(), 3);
-    QCOMPARE(form.row(), 0);
-    // Turned on over a lower-case text with the caret inside it, the caret stays where it was.
-    form.nav->setProperty("AllCaps", false);
-    form.nav->setProperty("Text", u"xy"_qs);
-    form.text1->setCursorPosition(1);
-    form.nav->setProperty("AllCaps", true);
-    QCOMPARE(form.text1->text(), u"XY"_qs);
-    QCOMPARE(form.text1->cursorPosition(), 1);
-}
-
-void tst_Navigator::disabled()
-{
-    Form form;
-    form.nav->setProperty("Enabled", false);
-    const auto rs = bind(form);
-    QCOMPARE(form.rows(), m_lines.size()); // filled at once all the same
-    QVERIFY(form.show());
-    form.enter();
-    QTest::keyClick(form.nav, Qt::Key_Down);
-    QTest::mouseClick(form.text1, Qt::LeftButton);
-    QVERIFY(form.closed());
-    QVERIFY(!form.list1->isVisible());
-}
-
-void tst_Navigator::openAndClose_data()
-{
-    QTest::addColumn<bool>("upward");
-    QTest::addColumn<QTestEventList>("keys"); // in the list, after Down in the text box
-    QTest::addColumn<QString>("text");
-    QTestEventList enter, escape, space;
-    enter.addKeyClick(Qt::Key_Down);
-    enter.addKeyClick(Qt::Key_Return);
-    escape.addKeyClick(Qt::Key_Escape);
-    space.addKeyClick(Qt::Key_End);
-    space.addKeyClick(Qt::Key_Space);
-    QTest::newRow("below, Enter") << false << enter << u"abd"_qs;
-    QTest::newRow("above, Escape") << true << escape << u"Ab"_qs;
-    QTest::newRow("above, End and Space") << true << space << u"O'Neil"_qs;
-}
-
-void tst_Navigator::openAndClose()
-{
-    QFETCH(bool, upward);
-    QFETCH(QTestEventList, keys);
-    QFETCH(QString, text);
-    Form form;
-    const auto rs = bind(form);
-    form.nav->setProperty("UpDown", upward);
-    form.nav->setProperty("Text", u"Ab"_qs);
-    QVERIFY(form.show());
-    const QRect closed = form.nav->geometry();
-    const int textTop = form.nav->mapTo(&form.dialog, QPoint()).y();
-
-    // Given the focus, the list opens on its side; the text box stays where it was on the form
-    form.enter();
-    QVERIFY(!form.closed());
-    const int listHeight = form.list1->height();
-    QCOMPARE(form.nav->height(), closed.height() + listHeight);
-    QCOMPARE(form.text1->mapTo(&form.dialog, QPoint()).y(), textTop);
-    QCOMPARE(form.list1->y(), upward ? 0 : closed.height());
-    QVERIFY(form.list1->isVisible());
-
-    // Escape in the text box closes it, any other key opens it again
-    QTest::keyClick(form.text1, Qt::Key_Escape);
-    QCOMPARE(form.nav->geometry(), closed);
-    QTest::keyClick(form.text1, Qt::Key_Down);
-    QVERIFY(!form.closed());
-    QVERIFY(form.list1->hasFocus());
-
-    // Keys in the list move the line (copied into the text), and Enter, Escape or Space close it
-    keys.simulate(form.list1);
-    QCOMPARE(form.text1->text(), text);
-    QCOMPARE(form.nav->geometry(), closed);
-    QVERIFY(form.text1->hasFocus());
-
-    // Leaving the control closes the list too
-    QTest::mouseClick(form.text1, Qt::LeftButton);
-    QVERIFY(!form.closed());
-    form.other->setFocus(Qt::TabFocusReason);
-    QCOMPARE(form.nav->geometry(), closed);
-}
-
-void tst_Navigator::text2()
-{
-    Form form;
-    const auto rs = bind(form);
-    form.nav->setProperty("FieldInd2", 0);
-    form.nav->setProperty("Text", u"xyz"_qs);
-    QCOMPARE(form.nav->property("Text2").toString(), u"C3"_qs);
-    QCOMPARE(form.colors(), Normal);
-    form.nav->setProperty("Text", u"xy"_qs); // an exact match only
-    QCOMPARE(form.nav->property("Text2").toString(), QString());
-    QCOMPARE(form.colors(), Info);
-
-    QVERIFY(form.nav->setProperty("Text2", u"B2"_qs));
-    QCOMPARE(form.text1->text(), u"abd"_qs);
-    QCOMPARE(form.row(), 1);
-    QCOMPARE(form.colors(), Normal);
-    QVERIFY(form.nav->setProperty("Text2", u"B'"_qs));
-    QCOMPARE(form.text1->text(), QString());
-    QCOMPARE(form.colors(), Info);
-}
-
-void tst_Navigator::badSources_data()
-{
-    QTest::addColumn<QString>("source");
-    QTest::addColumn<int>("field");
-    QTest::addColumn<int>("rows");
-    QTest::addColumn<int>("colors"); // after a search
-    QTest::newRow("none") << u"none"_qs << 1 << 0 << int(Normal);
-    QTest::newRow("closed") << u"closed"_qs << 1 << 0 << int(Info);
-    QTest::newRow("field out of range") << u"open"_qs << 7 << 0 << int(Info);
-    QTest::newRow("no members") << u"plain"_qs << 1 << 0 << int(Info);
-    QTest::newRow("not an object") << u"text"_qs << 1 << 0 << int(Info);
-    QTest::newRow("host's own recordset") << u"host"_qs << 1 << 5 << int(Normal);
-}
-
-void tst_Navigator::badSources()
-{
-    QFETCH(QString, source);
-    QFETCH(int, field);
-    QFETCH(int, rows);
-    QFETCH(int, colors);
-    Form form;
-    auto rs = open();
-    HostRecordset host;
-    host.r.Open(u"SELECT code, name FROM %1 ORDER BY id"_qs.arg(m_table), m_cs);
-    QObject plain;
-    QVariant value;
-    if (source == u"closed")
-        rs->Close();
-    if (source == u"closed" || source == u"open")
-        value = QVariant::fromValue<QObject *>(rs.get());
-    else if (source == u"plain")
-        value = QVariant::fromValue(&plain);
-    else if (source == u"host")
-        value = QVariant::fromValue<QObject *>(&host);
-    else if (source == u"text")
-        value = u"people"_qs;
-    form.nav->setProperty("FieldInd", field);
-    form.nav->setProperty("FieldInd2", field);
-    QVERIFY(form.nav->setProperty("DataSourthe", value));
-    QCOMPARE(form.rows(), rows);
-
-    QVERIFY(form.show());
-    form.enter();
-    QTest::keyClicks(form.text1, u"ab"_qs);
-    QCOMPARE(form.row(), rows ? 0 : -1);
-    QCOMPARE(form.colors(), Colors(colors));
-    QCOMPARE(form.platform.messages(), QStringList());
-    form.nav->setProperty("Text2", u"x"_qs);
-    QCOMPARE(form.text1->text(), QString());
-}
-
-void tst_Navigator::mouseEvents()
-{
-    // Given a shown field
-    Form form;
-    QVERIFY(form.show());
-    QSignalSpy down(form.nav, &Navigator::MouseDown);
-    QSignalSpy up(form.nav, &Navigator::MouseUp);
-    // When the text box is right-clicked with Shift
-    QTest::mouseClick(form.text1, Qt::RightButton, Qt::ShiftModifier, QPoint(7, 5));
-    // Then the events carry the platform's arguments in the text box's coordinates
-    const QVariantList expected = {qint16(2), qint16(1), 7.0f, 5.0f};
-    QCOMPARE(down.count(), 1);
-    QCOMPARE(down.first(), expected);
-    QCOMPARE(up.count(), 1);
-    QCOMPARE(up.first(), expected);
-}
-
-void tst_Navigator::persistence()
-{
-    // Every persisted key survives a form file; ListLine sets the list height by whole lines.
-    QWidget form;
-    auto *nav = qobject_cast<Navigator *>(createControl(u"Navigator"_qs, &form));
-    nav->setObjectName(u"nav"_qs);
-    const int fourLines = nav->findChild<QWidget *>(u"List1"_qs)->height();
-    const QVariantMap values = {
-        {u"Text"_qs, u"Ab"_qs}, {u"LockEdits"_qs, true}, {u"AllCaps"_qs, true},
-        {u"UpDown"_qs, true},   {u"FieldInd"_qs, 3},     {u"FieldInd2"_qs, 2},
-        {u"CharCount"_qs, 12},  {u"ListLine"_qs, 7},     {u"Enabled"_qs, false},
-    };
-    for (auto it = values.cbegin(); it != values.cend(); ++it)
-        QVERIFY(nav->setProperty(qPrintable(it.key()), it.value()));
-    const int sevenLines = nav->findChild<QWidget *>(u"List1"_qs)->height();
-    QCOMPARE((sevenLines - fourLines) % 3, 0);
-    QVERIFY(sevenLines > fourLines);
-    QTemporaryDir dir;
-    const QString path = dir.filePath(u"form.zelkon"_qs);
-    saveForm(form, path);
-
-    QWidget loaded;
-    const QList<Control *> controls = loadForm(loaded, path);
-    QCOMPARE(controls.size(), 1);
-    for (auto it = values.cbegin(); it != values.cend(); ++it) {
-        QVariant expected = it.value();
-        if (it.key() == u"Text")
-            expected = u"AB"_qs; // AllCaps was set after the text
-        QCOMPARE(controls.first()->property(qPrintable(it.key())).toString(), expected.toString());
+    void search_data()
+    {
+        QTest::addColumn<QString>("typed");
+        QTest::addColumn<bool>("allCaps");
+        QTest::addColumn<QString>("text");
+        QTest::addColumn<int>("row");
+        QTest::addColumn<int>("colors");
+        QTest::addColumn<int>("changes");
+        // The first record that Find returns, compared without case; duplicates select the first.
+        QTest::newRow("first of two cases")
+            << u"ab"_qs << false << u"ab"_qs << 0 << int(Normal) << 2;
+        QTest::newRow("narrowed") << u"abd"_qs << false << u"abd"_qs << 1 << int(Normal) << 3;
+        QTest::newRow("no match") << u"abq"_qs << false << u"abq"_qs << -1 << int(Info) << 3;
+        // The text goes into the criterion as typed: the recordset refuses it, which is no match.
+        QTest::newRow("apostrophe") << u"O'"_qs << false << u"O'"_qs << -1 << int(Info) << 2;
+        QTest::newRow("corrected") << u"abq\b"_qs << false << u"ab"_qs << 0 << int(Normal) << 4;
+        // Each typed letter is one change and its upper case another; the caret stays at the end.
+        QTest::newRow("all caps") << u"abc"_qs << true << u"ABC"_qs << 0 << int(Normal) << 6;
     }
-    MemoryPropertyBag defaults;
-    Navigator fresh;
-    fresh.InitProperties();
-    fresh.WriteProperties(defaults);
-    QCOMPARE(defaults.keys(), QStringList());
-}
+
+    void search()
+    {
+        QFETCH(QString, typed);
+        QFETCH(bool, allCaps);
+        QFETCH(QString, text);
+        QFETCH(int, row);
+        QFETCH(int, colors);
+        QFETCH(int, changes);
+        Form form;
+        const auto rs = bind(form);
+        form.nav->setProperty("AllCaps", allCaps);
+        QVERIFY(form.show());
+        form.enter(); // the default text " " is selected on entry: typing replaces it
+        QSignalSpy contextChange(form.nav, &Navigator::ContextChange);
+
+        QTestEventList keys;
+        for (const QString &part : typed.split(u'\b')) {
+            keys.addKeyClicks(part);
+            keys.addKeyClick(Qt::Key_Backspace);
+        }
+        keys.removeLast();
+        keys.simulate(form.text1);
+
+        QCOMPARE(form.text1->text(), text);
+        QCOMPARE(form.text1->cursorPosition(), text.size());
+        QCOMPARE(contextChange.count(), changes); // one per change, the refused one too
+        QCOMPARE(form.row(), row);
+        QCOMPARE(form.colors(), Colors(colors));
+        // One line per record with text, in recordset order, duplicates kept.
+        QStringList lines;
+        for (int i = 0; i < form.rows(); ++i)
+            lines << form.list1->model()->index(i, 0).data().toString();
+        QCOMPARE(lines, QStringList({u"Abc"_qs, u"abd"_qs, u"Xyz"_qs, u"Abc"_qs, u"O'Neil"_qs}));
+    }
+
+    void eraseAndClick()
+    {
+        // Given a text that matches nothing
+        Form form;
+        const auto rs = bind(form);
+        QVERIFY(form.show());
+        form.enter();
+        QTest::keyClicks(form.text1, u"zz"_qs);
+        QCOMPARE(form.colors(), Info);
+        // When it is erased, then nothing is selected, the list is at its top, the colours stay
+        QTest::keyClick(form.text1, Qt::Key_A, Qt::ControlModifier);
+        QTest::keyClick(form.text1, Qt::Key_Delete);
+        QCOMPARE(form.row(), -1);
+        QCOMPARE(form.list1->indexAt(QPoint(2, 2)).row(), 0);
+        QCOMPARE(form.colors(), Info);
+
+        // When the second "Abc" is clicked, then it is copied without a search (a search would
+        // select the first "Abc"), with normal colours and one ContextChange
+        QSignalSpy contextChange(form.nav, &Navigator::ContextChange);
+        const QRect line = form.list1->visualRect(form.list1->model()->index(3, 0));
+        QTest::mouseClick(form.list1->viewport(), Qt::LeftButton, {}, line.center());
+        QCOMPARE(form.text1->text(), u"Abc"_qs);
+        QCOMPARE(form.row(), 3);
+        QCOMPARE(form.colors(), Normal);
+        QCOMPARE(contextChange.count(), 1);
+        QVERIFY(!form.closed());
+
+        // When a line is double-clicked, then it is taken, the list closes and the text has the
+        // focus
+        const QRect third = form.list1->visualRect(form.list1->model()->index(2, 0));
+        QTest::mouseClick(form.list1->viewport(), Qt::LeftButton, {}, third.center());
+        QTest::mouseDClick(form.list1->viewport(), Qt::LeftButton, {}, third.center());
+        QCOMPARE(form.text1->text(), u"Xyz"_qs);
+        QVERIFY(form.closed());
+        QVERIFY(form.text1->hasFocus());
+
+        // Turning AllCaps on keeps the caret where it was
+        form.text1->setCursorPosition(1);
+        form.nav->setProperty("AllCaps", true);
+        QCOMPARE(form.text1->text(), u"XYZ"_qs);
+        QCOMPARE(form.text1->cursorPosition(), 1);
+    }
+
+    void openAndClose_data()
+    {
+        QTest::addColumn<bool>("upward");
+        QTest::addColumn<QTestEventList>("keys"); // in the list, after Down in the text box
+        QTest::addColumn<QString>("text");
+        QTestEventList enter, escape, space;
+        enter.addKeyClick(Qt::Key_Down);
+        enter.addKeyClick(Qt::Key_Return);
+        escape.addKeyClick(Qt::Key_Escape);
+        space.addKeyClick(Qt::Key_End);
+        space.addKeyClick(Qt::Key_Space);
+        QTest::newRow("below, Enter") << false << enter << u"abd"_qs;
+        QTest::newRow("above, Escape") << true << escape << u"Ab"_qs;
+        QTest::newRow("above, End and Space") << true << space << u"O'Neil"_qs;
+    }
+
+    void openAndClose()
+    {
+        QFETCH(bool, upward);
+        QFETCH(QTestEventList, keys);
+        QFETCH(QString, text);
+        Form form;
+        const auto rs = bind(form);
+        form.nav->setProperty("UpDown", upward);
+        form.nav->setProperty("Text", u"Ab"_qs);
+        QVERIFY(form.show());
+        const QRect closed = form.nav->geometry();
+        const int textTop = form.nav->mapTo(&form.dialog, QPoint()).y();
+
+        // Given the focus, the list opens on its side; the text box stays where it was on the form
+        form.enter();
+        QVERIFY(!form.closed());
+        const int listHeight = form.list1->height();
+        QCOMPARE(form.nav->height(), closed.height() + listHeight);
+        QCOMPARE(form.text1->mapTo(&form.dialog, QPoint()).y(), textTop);
+        QCOMPARE(form.list1->y(), upward ? 0 : closed.height());
+        QVERIFY(form.list1->isVisible());
+
+        // Escape in the text box closes it, any other key opens it again
+        QTest::keyClick(form.text1, Qt::Key_Escape);
+        QCOMPARE(form.nav->geometry(), closed);
+        QTest::keyClick(form.text1, Qt::Key_Down);
+        QVERIFY(!form.closed());
+        QVERIFY(form.list1->hasFocus());
+
+        // Keys in the list move the line (copied into the text), and Enter, Escape or Space close
+        // it
+        keys.simulate(form.list1);
+        QCOMPARE(form.text1->text(), text);
+        QCOMPARE(form.nav->geometry(), closed);
+        QVERIFY(form.text1->hasFocus());
+
+        // Leaving the control closes the list too
+        QTest::mouseClick(form.text1, Qt::LeftButton);
+        QVERIFY(!form.closed());
+        form.other->setFocus(Qt::TabFocusReason);
+        QCOMPARE(form.nav->geometry(), closed);
+    }
+
+    void disabledAndMouse()
+    {
+        // Given a disabled field, a data source still fills its list
+        Form form;
+        form.nav->setProperty("Enabled", false);
+        const auto rs = bind(form);
+        QCOMPARE(form.rows(), 5);
+        QVERIFY(form.show());
+        // When it is entered, clicked or typed in, then its list stays closed
+        form.enter();
+        QTest::keyClick(form.nav, Qt::Key_Down);
+        QTest::mouseClick(form.text1, Qt::LeftButton);
+        QVERIFY(form.closed() && !form.list1->isVisible());
+
+        // Given it enabled again, when the text box is right-clicked with Shift, then the mouse
+        // events carry the platform's arguments in the text box's coordinates
+        form.nav->setProperty("Enabled", true);
+        QSignalSpy down(form.nav, &Navigator::MouseDown);
+        QSignalSpy up(form.nav, &Navigator::MouseUp);
+        QTest::mouseClick(form.text1, Qt::RightButton, Qt::ShiftModifier, QPoint(7, 5));
+        const QVariantList expected = {qint16(2), qint16(1), 7.0f, 5.0f};
+        QCOMPARE(down, QList<QVariantList>({expected}));
+        QCOMPARE(up, QList<QVariantList>({expected}));
+    }
+
+    void text2()
+    {
+        Form form;
+        const auto rs = bind(form);
+        form.nav->setProperty("FieldInd2", 0);
+        form.nav->setProperty("Text", u"xyz"_qs);
+        QCOMPARE(form.nav->property("Text2").toString(), u"C3"_qs);
+        QCOMPARE(form.colors(), Normal);
+        form.nav->setProperty("Text", u"xy"_qs); // an exact match only
+        QCOMPARE(form.nav->property("Text2").toString(), QString());
+        QCOMPARE(form.colors(), Info);
+
+        QVERIFY(form.nav->setProperty("Text2", u"B2"_qs));
+        QCOMPARE(form.text1->text(), u"abd"_qs);
+        QCOMPARE(form.row(), 1);
+        QCOMPARE(form.colors(), Normal);
+        QVERIFY(form.nav->setProperty("Text2", u"B'"_qs));
+        QCOMPARE(form.text1->text(), QString());
+        QCOMPARE(form.colors(), Info);
+    }
+
+    void badSources_data()
+    {
+        QTest::addColumn<QString>("source");
+        QTest::addColumn<int>("field");
+        QTest::addColumn<int>("rows");
+        QTest::addColumn<int>("colors"); // after a search
+        QTest::newRow("none") << u"none"_qs << 1 << 0 << int(Normal);
+        QTest::newRow("closed") << u"closed"_qs << 1 << 0 << int(Info);
+        QTest::newRow("field out of range") << u"open"_qs << 7 << 0 << int(Info);
+        QTest::newRow("no members") << u"plain"_qs << 1 << 0 << int(Info);
+        QTest::newRow("not an object") << u"text"_qs << 1 << 0 << int(Info);
+        QTest::newRow("host's own recordset") << u"host"_qs << 1 << 5 << int(Normal);
+    }
+
+    void badSources()
+    {
+        QFETCH(QString, source);
+        QFETCH(int, field);
+        QFETCH(int, rows);
+        QFETCH(int, colors);
+        Form form;
+        const auto rs = open<Recordset>();
+        const auto host = open<HostRecordset>();
+        QObject plain;
+        if (source == u"closed")
+            rs->Close();
+        const QVariant value = source == u"none" ? QVariant()
+            : source == u"text"                  ? QVariant(u"people"_qs)
+            : source == u"plain"                 ? QVariant::fromValue(&plain)
+            : source == u"host"                  ? QVariant::fromValue<QObject *>(host.get())
+                                                 : QVariant::fromValue<QObject *>(rs.get());
+        form.nav->setProperty("FieldInd", field);
+        form.nav->setProperty("FieldInd2", field);
+        QVERIFY(form.nav->setProperty("DataSourthe", value));
+        QCOMPARE(form.rows(), rows);
+
+        QVERIFY(form.show());
+        form.enter();
+        QTest::keyClicks(form.text1, u"ab"_qs);
+        QCOMPARE(form.row(), rows ? 0 : -1);
+        QCOMPARE(form.colors(), Colors(colors));
+        QCOMPARE(form.platform.messages(), QStringList());
+        form.nav->setProperty("Text2", u"x"_qs);
+        QCOMPARE(form.text1->text(), QString());
+    }
+
+    void persistence()
+    {
+        // Every persisted key survives a form file; ListLine sets the list height by whole lines.
+        QWidget form;
+        auto *nav = qobject_cast<Navigator *>(createControl(u"Navigator"_qs, &form));
+        nav->setObjectName(u"nav"_qs);
+        const int fourLines = nav->findChild<QWidget *>(u"List1"_qs)->height();
+        const QVariantMap values = {
+            {u"Text"_qs, u"Ab"_qs}, {u"LockEdits"_qs, true}, {u"AllCaps"_qs, true},
+            {u"UpDown"_qs, true},   {u"FieldInd"_qs, 3},     {u"FieldInd2"_qs, 2},
+            {u"CharCount"_qs, 12},  {u"ListLine"_qs, 7},     {u"Enabled"_qs, false},
+        };
+        for (auto it = values.cbegin(); it != values.cend(); ++it)
+            QVERIFY(nav->setProperty(qPrintable(it.key()), it.value()));
+        const int sevenLines = nav->findChild<QWidget *>(u"List1"_qs)->height();
+        QCOMPARE((sevenLines - fourLines) % 3, 0);
+        QVERIFY(sevenLines > fourLines);
+        QCOMPARE(nav->property("ListLine").toInt(), 7);
+        QTemporaryDir dir;
+        const QString path = dir.filePath(u"form.zelkon"_qs);
+        saveForm(form, path);
+
+        QWidget loaded;
+        const QList<Control *> controls = loadForm(loaded, path);
+        QCOMPARE(controls.size(), 1);
+        for (auto it = values.cbegin(); it != values.cend(); ++it) {
+            QVariant expected = it.value();
+            if (it.key() == u"Text")
+                expected = u"AB"_qs; // AllCaps was set after the text
+            QCOMPARE(controls.first()->property(qPrintable(it.key())).toString(),
+                     expected.toString());
+        }
+        MemoryPropertyBag defaults;
+        Navigator fresh;
+        fresh.InitProperties();
+        fresh.WriteProperties(defaults);
+        QCOMPARE(defaults.keys(), QStringList());
+    }
+};
 
 QTEST_MAIN(tst_Navigator)
 #include "tst_navigator.moc"
