@@ -82,7 +82,6 @@ public:
     int movedBy = 0; // how far ShowList moved the control up, for HideList to undo
     bool searching = false;
     bool takingListText = false;
-    bool showing = false;
     bool resizing = false;
     bool focused = false;
     std::optional<bool> matchColors; // the colours last set: a match's or no match's
@@ -185,7 +184,6 @@ void NavigatorPrivate::ShowList()
 {
     if (!q->Enabled())
         return;
-    showing = true;
     if (!open) {
         textHeight = text1->height();
         openedUpward = upDown;
@@ -199,7 +197,6 @@ void NavigatorPrivate::ShowList()
     list1->show();
     q->raise(); // over the widgets below (or above) the field
     FillList();
-    showing = false;
 }
 
 void NavigatorPrivate::HideList()
@@ -412,6 +409,7 @@ Navigator::~Navigator()
     disconnect(d->text1, nullptr, this, nullptr);
     disconnect(d->list1, nullptr, this, nullptr);
     disconnect(d->list1->selectionModel(), nullptr, this, nullptr);
+    disconnect(d->model, nullptr, this, nullptr);
 }
 
 // ---- persistence
