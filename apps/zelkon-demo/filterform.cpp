@@ -1,5 +1,7 @@
 #include "filterform.h"
 
+#include "customerlookup.h"
+
 #include <zelkon/common/control.h>
 #include <zelkon/common/error.h>
 #include <zelkon/common/memorypropertybag.h>
@@ -23,6 +25,7 @@ FilterForm::FilterForm(QWidget *parent)
         {QStringLiteral("RelDate"), QStringLiteral("DateTo"), tr("to:"), 1, 1},
         {QStringLiteral("NumEdit"), QStringLiteral("AmountFrom"), tr("Total from:"), 2, 0},
         {QStringLiteral("NumEdit"), QStringLiteral("AmountTo"), tr("to:"), 2, 1},
+        {QStringLiteral("Navigator"), QStringLiteral("nvCustomer"), tr("Customer:"), 3, 0},
     };
     for (const Slot &slot : std::as_const(m_slots)) {
         auto *label = new QLabel(slot.label, this);
@@ -124,6 +127,7 @@ void FilterForm::fillFromDatabase(zelkon::Connection *connection)
         regions->setProperty("TypeData", 2);
         regions->setProperty("SArrayData", QVariant::fromValue(block));
     }
+    CustomerLookup::fill(control(QStringLiteral("nvCustomer")), connection);
     if (zelkon::Control *products = control(QStringLiteral("cboProduct"))) {
         // The control opens the command itself; the second field becomes each row's tool tip.
         // Refresh reports a database error to its caller: the form then shows an empty list.
@@ -133,8 +137,7 @@ void FilterForm::fillFromDatabase(zelkon::Connection *connection)
                                   QStringLiteral("SELECT name, id FROM products ORDER BY name"));
             products->setProperty("Connect", QVariant::fromValue<QObject *>(connection));
             QMetaObject::invokeMethod(products, "Refresh");
-        } catch (const zelkon::Error &) {
-        }
+        } catch (const zelkon::Error &) { }
     }
 }
 
@@ -168,7 +171,8 @@ void FilterForm::watch(zelkon::Control *control)
     static const QMetaMethod changed
         = staticMetaObject.method(staticMetaObject.indexOfSignal("filterChanged()"));
     const QMetaObject *meta = control->metaObject();
-    for (const char *signal : {"Quite(bool)", "Change()", "ChangeValue()", "LostFocusEvent()"}) {
+    for (const char *signal :
+         {"Quite(bool)", "Change()", "ChangeValue()", "LostFocusEvent()", "ContextChange()"}) {
         const int index = meta->indexOfSignal(signal);
         if (index >= 0)
             connect(control, meta->method(index), this, changed);

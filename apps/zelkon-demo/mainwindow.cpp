@@ -114,6 +114,8 @@ void MainWindow::applyFilter()
                          true);
     where.addNumberBound(QStringLiteral("o.total"), m_form->control(QStringLiteral("AmountTo")),
                          false);
+    where.addLookup(QStringLiteral("c.id"), QStringLiteral("c.name"),
+                    m_form->control(QStringLiteral("nvCustomer")));
     m_condition->setPlainText(where.describe());
 
     const QString select = QStringLiteral(

@@ -53,6 +53,20 @@ void WhereBuilder::addNumberBound(const QString &column, const QObject *numEdit,
     m_values.append(value);
 }
 
+void WhereBuilder::addLookup(const QString &idColumn, const QString &nameColumn, QObject *navigator)
+{
+    if (!navigator)
+        return;
+    const QString name = navigator->property("Text").toString().trimmed();
+    if (name.isEmpty())
+        return;
+    // The choice goes in as a bound value, never into the SQL text.
+    bool isId = false;
+    const qint32 id = navigator->property("Text2").toString().toInt(&isId);
+    m_conditions.append(QStringLiteral("%1 = ?").arg(isId ? idColumn : nameColumn));
+    m_values.append(isId ? QVariant(id) : QVariant(name));
+}
+
 QString WhereBuilder::where() const
 {
     if (m_conditions.isEmpty())

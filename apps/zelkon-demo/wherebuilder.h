@@ -17,6 +17,10 @@ public:
     // "column >= ?" / "column <= ?" from a numeric field; 0 means no bound.
     void addNumberBound(const QString &column, const QObject *numEdit, bool lower);
 
+    // "idColumn = ?" with the identifier of the customer a lookup names (its Text2), or
+    // "nameColumn = ?" with the typed name when no record has it; nothing for an empty lookup.
+    void addLookup(const QString &idColumn, const QString &nameColumn, QObject *navigator);
+
     QString where() const; // "" when no condition, else "WHERE ..."
     QVariantList values() const { return m_values; }
     // The condition with its values written in, for showing to the user.
