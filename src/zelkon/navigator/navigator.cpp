@@ -165,7 +165,8 @@ void NavigatorPrivate::selectRow(int row)
         return;
     }
     list1->selectionModel()->setCurrentIndex(index, QItemSelectionModel::ClearAndSelect);
-    list1->scrollTo(index);
+    // At the top, so that the lines after the match (the next candidates) are in view.
+    list1->scrollTo(index, QAbstractItemView::PositionAtTop);
 }
 
 void NavigatorPrivate::setColors(bool match)
