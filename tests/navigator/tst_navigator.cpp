@@ -418,8 +418,13 @@ private Q_SLOTS:
             {u"UpDown"_qs, true},   {u"FieldInd"_qs, 3},     {u"FieldInd2"_qs, 2},
             {u"CharCount"_qs, 12},  {u"ListLine"_qs, 7},     {u"Enabled"_qs, false},
         };
+        QSignalSpy changed(nav, &Control::PropertyChanged);
         for (auto it = values.cbegin(); it != values.cend(); ++it)
             QVERIFY(nav->setProperty(qPrintable(it.key()), it.value()));
+        QStringList reported; // every put is reported under its own name
+        for (const QVariantList &call : std::as_const(changed))
+            reported << call.first().toString();
+        QCOMPARE(reported, values.keys());
         const int sevenLines = nav->findChild<QWidget *>(u"List1"_qs)->height();
         QCOMPARE((sevenLines - fourLines) % 3, 0);
         QVERIFY(sevenLines > fourLines);
@@ -434,7 +439,7 @@ private Q_SLOTS:
         for (auto it = values.cbegin(); it != values.cend(); ++it) {
             QVariant expected = it.value();
             if (it.key() == u"Text")
-                expected = u"AB"_qs; // AllCaps was set after the text
+                expected = u"AB"_qs; // in upper case, as AllCaps keeps it
             QCOMPARE(controls.first()->property(qPrintable(it.key())).toString(),
                      expected.toString());
         }
