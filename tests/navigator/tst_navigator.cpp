@@ -429,6 +429,9 @@ private Q_SLOTS:
         QCOMPARE((sevenLines - fourLines) % 3, 0);
         QVERIFY(sevenLines > fourLines);
         QCOMPARE(nav->property("ListLine").toInt(), 7);
+        QVERIFY(nav->setProperty("FontSize", 24)); // a larger font keeps the number of lines
+        QVERIFY(nav->findChild<QWidget *>(u"List1"_qs)->height() > sevenLines);
+        QCOMPARE(nav->property("ListLine").toInt(), 7);
         QTemporaryDir dir;
         const QString path = dir.filePath(u"form.zelkon"_qs);
         saveForm(form, path);
