@@ -57,6 +57,7 @@ public:
     void setColors(bool match);
     void selectRow(int row);
     int firstRowOf(const QString &text);
+    void indexLines(const QStringList &lines);
     void writeText(const QString &text);
 
     Navigator *const q;
@@ -114,7 +115,7 @@ void NavigatorPrivate::SearchText()
     }
     const QString column = lookup.fieldName(fieldInd);
     // The text goes in as typed: an apostrophe makes a criterion the recordset refuses, which
-    // counts as no match. The recordset evaluates it in memory, so nothing reaches a database.
+    // counts as no match. Our own recordset evaluates it in memory: nothing reaches a database.
     const std::optional<QString> value = column.isEmpty()
         ? std::nullopt
         : lookup.find(column + QLatin1String(" LIKE '") + typed + QLatin1String("%'"), fieldInd);
@@ -136,25 +137,25 @@ void NavigatorPrivate::FillList()
     searching = true; // the reset is no click on a line
     model->setStringList(lines);
     searching = wasSearching;
+    indexLines(lines); // now, so that filling costs what it costs, not the first keystroke
+    SearchText();
+}
+
+int NavigatorPrivate::firstRowOf(const QString &text)
+{
+    if (indexStale)
+        indexLines(model->stringList());
+    return firstRow.value(text, -1);
+}
+
+void NavigatorPrivate::indexLines(const QStringList &lines)
+{
     firstRow.clear();
     firstRow.reserve(lines.size());
     // From the last line to the first, so that each text ends on its first line.
     for (qsizetype row = lines.size() - 1; row >= 0; --row)
         firstRow.insert(lines.at(row), int(row));
     indexStale = false;
-    SearchText();
-}
-
-int NavigatorPrivate::firstRowOf(const QString &text)
-{
-    if (indexStale) {
-        const QStringList lines = model->stringList();
-        firstRow.clear();
-        for (qsizetype row = lines.size() - 1; row >= 0; --row)
-            firstRow.insert(lines.at(row), int(row));
-        indexStale = false;
-    }
-    return firstRow.value(text, -1);
 }
 
 void NavigatorPrivate::selectRow(int row)
