@@ -309,6 +309,9 @@ void tst_Platform::frameAndEnabled()
                      qPrintable(child->objectName()));
     }
     QVERIFY(control->setProperty("Appearance", 1));
+    form.setEnabled(false); // the form's state is not the control's own
+    QVERIFY(control->property("Enabled").toBool());
+    form.setEnabled(true);
     QVERIFY(control->setProperty("Enabled", false));
     QVERIFY(!control->property("Enabled").toBool());
     QVERIFY(control->setProperty("Enabled", false));
