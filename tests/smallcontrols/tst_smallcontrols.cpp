@@ -214,10 +214,6 @@ private Q_SLOTS:
         QTest::newRow("AllowAddNew")
             << box << QByteArray("AllowAddNew") << QVariant(true) << QVariant(true) << 1;
         QTest::newRow("Titul") << but << QByteArray("Titul") << b << b << 0;
-        QTest::newRow("OCXID") << but << QByteArray("OCXID") << b << b << 0;
-        QTest::newRow("Level") << but << QByteArray("Level") << QVariant(qint16(-3))
-                               << QVariant(qint16(-3)) << 0;
-        QTest::newRow("Inv") << but << QByteArray("Inv") << QVariant(true) << QVariant(true) << 0;
         QTest::newRow("Enabled") << but << QByteArray("Enabled") << QVariant(false)
                                  << QVariant(false) << 0;
     }
