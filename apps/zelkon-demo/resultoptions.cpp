@@ -6,6 +6,7 @@
 
 #include <QHBoxLayout>
 #include <QLabel>
+#include <QPushButton>
 #include <QVBoxLayout>
 
 namespace {
@@ -72,16 +73,15 @@ QWidget *ResultOptions::foldingPanel(QWidget *content, const QString &title)
     layout->setContentsMargins(0, 0, 0, 0);
     auto *header = new zelkon::ElapsedBut(panel);
     header->setObjectName(QStringLiteral("FilterHeader"));
-    // A triangle pointing right for a folded panel, down for an open one.
-    const auto caption = [title](bool folded) -> QString {
-        return QChar(folded ? 0x25B8 : 0x25BE) + QLatin1Char(' ') + title;
-    };
-    header->setTitul(caption(false));
-    // Inv holds whether the panel is folded away.
-    QObject::connect(header, &zelkon::ElapsedBut::Click, content, [header, content, caption] {
+    header->setTitul(title);
+    // The button shows a triangle pointing down for an open panel, right for a folded one; Inv
+    // holds whether the panel is folded away.
+    auto *button = header->findChild<QPushButton *>(QStringLiteral("btnEllaps"));
+    button->setText(QChar(0x25BE));
+    QObject::connect(header, &zelkon::ElapsedBut::Click, content, [header, content, button] {
         header->setInv(!header->Inv());
         content->setVisible(!header->Inv());
-        header->setTitul(caption(header->Inv()));
+        button->setText(QChar(header->Inv() ? 0x25B8 : 0x25BE));
     });
     layout->addWidget(header);
     layout->addWidget(content, 1);
