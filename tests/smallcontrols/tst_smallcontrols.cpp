@@ -115,6 +115,10 @@ private Q_SLOTS:
         row("id no number", list, input("a b", ids({1, QStringLiteral("x")})), 13,
             words("a=1 b=0"));
         row("id beyond 32 bits", list, input("a", ids({1e10})), 6, words("a=0"));
+        VariantArray outer({Bounds{0, 1}});
+        outer.at({0}) = ids({QStringLiteral("a")});
+        outer.at({1}) = ids({4});
+        row("outer VariantArray", list, QVariant::fromValue(outer), 0, words("a=4"));
         row("outer array from 1", list, QVariant::fromValue(VariantArray({Bounds{1, 2}})), 9, {});
         const auto many = [](int count) {
             return QVariantList{QVariantList(count, 0), QVariant()};
