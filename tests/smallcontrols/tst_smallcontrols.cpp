@@ -452,6 +452,7 @@ private Q_SLOTS:
         QVERIFY(QTest::qWaitForWindowExposed(&but));
         const QRect button = but.findChild<QPushButton *>()->geometry();
         const QRect title = but.findChild<QLabel *>()->geometry();
+        QCOMPARE(but.findChild<QLabel *>()->font().pointSize(), pointSize);
         QVERIFY(!button.intersects(title));
         QVERIFY(button.width() > 0 && but.rect().contains(button));
         QVERIFY(title.isEmpty() || but.rect().contains(title));

@@ -68,9 +68,10 @@ ElapsedBut::ElapsedBut(QWidget *parent)
     , d(std::make_unique<ElapsedButPrivate>(this))
 {
     d->button->setObjectName(QStringLiteral("btnEllaps"));
-    d->button->setAccessibleName(tr("Fold"));
+    d->button->setAccessibleName(tr("Title button"));
     d->title->setObjectName(QStringLiteral("Title"));
-    QFont arial = d->title->font();
+    // Only the family is set, so size and style still follow the control's font.
+    QFont arial;
     arial.setFamily(QStringLiteral("Arial"));
     d->title->setFont(arial);
     d->title->setAlignment(Qt::AlignLeft | Qt::AlignVCenter);
