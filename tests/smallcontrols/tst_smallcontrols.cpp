@@ -262,6 +262,8 @@ private Q_SLOTS:
                                        << QStringLiteral("a") << false;
         QTest::newRow("case counts") << true << typing("A", Qt::Key_Enter) << words("a=1 b=2 A=0")
                                      << QStringLiteral("A") << false;
+        QTest::newRow("existing, not allowed") << false << typing("b", Qt::Key_Return)
+                                               << words("a=1 b=2") << QStringLiteral("b") << true;
         QTest::newRow("not allowed")
             << false << typing("c", Qt::Key_Return) << words("a=1 b=2") << c << true;
         QTest::newRow("empty text")
@@ -273,8 +275,9 @@ private Q_SLOTS:
     }
 
     // Given a filled box with the focus, when the user types and presses Enter or Escape, then a
-    // new text is added unselected (compared exactly), Escape empties the text, no Change is
-    // raised, and a key the box does not use goes on to the window.
+    // new text is added unselected (compared exactly), Escape empties the text, neither the keys
+    // nor leaving the box select a row or raise Change, and a key the box does not use goes on to
+    // the window.
     void addNew()
     {
         QFETCH(bool, allowAddNew);
@@ -298,6 +301,7 @@ private Q_SLOTS:
         w.window.installEventFilter(&windowKeys);
 
         keys.simulate(comboOf(box));
+        box->clearFocus(); // leaving the box picks nothing either
 
         QTEST(rows(box), "rows");
         QTEST(box->Value(), "typed");

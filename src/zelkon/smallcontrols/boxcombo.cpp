@@ -10,6 +10,7 @@
 
 #include <QComboBox>
 #include <QKeyEvent>
+#include <QLineEdit>
 
 namespace zelkon {
 
@@ -93,6 +94,10 @@ BoxCombo::BoxCombo(QWidget *parent)
     // Entries are added by the Enter rule alone, and typing is never completed from the list.
     d->combo->setInsertPolicy(QComboBox::NoInsert);
     d->combo->setCompleter(nullptr);
+    // An editable QComboBox selects the row that matches its text when editing finishes (Enter,
+    // or the focus leaving) and reports that as a pick. Here a typed text stays typed text:
+    // only a pick from the list selects a row and raises Change.
+    QObject::disconnect(d->combo->lineEdit(), SIGNAL(editingFinished()), d->combo, nullptr);
     d->combo->installEventFilter(this);
     setFocusProxy(d->combo);
     setFocusPolicy(d->combo->focusPolicy());
