@@ -1,6 +1,7 @@
 #include "mainwindow.h"
 
 #include "filterform.h"
+#include "resultoptions.h"
 #include "wherebuilder.h"
 
 #include <zelkon/common/control.h>
@@ -12,6 +13,7 @@
 #include <QApplication>
 #include <QFileDialog>
 #include <QFontDatabase>
+#include <QHBoxLayout>
 #include <QHeaderView>
 #include <QLabel>
 #include <QMenuBar>
@@ -38,6 +40,7 @@ MainWindow::MainWindow(const QString &databasePath, QWidget *parent)
     , m_rows(new QTableView)
     , m_model(new QSqlQueryModel(this))
     , m_count(new QLabel)
+    , m_options(new ResultOptions)
 {
     setWindowTitle(tr("Zelkon demo: orders filter"));
     // Braces keep a path with ';' in it one value.
@@ -72,13 +75,17 @@ MainWindow::MainWindow(const QString &databasePath, QWidget *parent)
     auto *bottom = new QWidget;
     auto *bottomLayout = new QVBoxLayout(bottom);
     bottomLayout->setContentsMargins(0, 0, 0, 0);
-    bottomLayout->addWidget(apply, 0, Qt::AlignLeft);
+    auto *actions = new QHBoxLayout;
+    actions->addWidget(apply);
+    actions->addWidget(m_options);
+    actions->addStretch();
+    bottomLayout->addLayout(actions);
     bottomLayout->addWidget(m_condition);
     bottomLayout->addWidget(m_count);
     bottomLayout->addWidget(m_rows, 1);
 
     auto *splitter = new QSplitter(Qt::Vertical);
-    splitter->addWidget(formArea);
+    splitter->addWidget(ResultOptions::foldingPanel(formArea, tr("Filter")));
     splitter->addWidget(bottom);
     splitter->setStretchFactor(1, 1);
     setCentralWidget(splitter);
@@ -90,6 +97,7 @@ MainWindow::MainWindow(const QString &databasePath, QWidget *parent)
     pending->setInterval(0);
     connect(pending, &QTimer::timeout, this, &MainWindow::applyFilter);
     connect(m_form, &FilterForm::filterChanged, pending, qOverload<>(&QTimer::start));
+    connect(m_options, &ResultOptions::sortChanged, pending, qOverload<>(&QTimer::start));
     resize(qMax(900, m_form->sizeHint().width() + 40), 680);
     applyFilter();
 }
@@ -138,7 +146,7 @@ void MainWindow::applyFilter()
 
     QSqlQuery query(db);
     query.prepare(select + where.where()
-                  + QStringLiteral(" ORDER BY o.order_date, o.id LIMIT 1000"));
+                  + QStringLiteral(" ORDER BY %1 LIMIT 1000").arg(m_options->orderBy()));
     for (const QVariant &value : where.values())
         query.addBindValue(value);
     query.exec();
@@ -147,8 +155,10 @@ void MainWindow::applyFilter()
 
 void MainWindow::saveFormFile()
 {
-    const QString path = QFileDialog::getSaveFileName(this, tr("Save form"), QString(),
-                                                      tr("Zelkon forms (*.zform)"));
+    const QString name = m_options->filterName();
+    const QString path = QFileDialog::getSaveFileName(
+        this, tr("Save form"), name.isEmpty() ? QString() : name + QStringLiteral(".zform"),
+        tr("Zelkon forms (*.zform)"));
     if (path.isEmpty())
         return;
     try {

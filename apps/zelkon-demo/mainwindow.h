@@ -4,6 +4,7 @@
 #include <QMainWindow>
 
 class FilterForm;
+class ResultOptions;
 namespace zelkon {
 class Connection;
 }
@@ -32,4 +33,5 @@ private:
     QTableView *m_rows;
     QSqlQueryModel *m_model;
     QLabel *m_count;
+    ResultOptions *m_options;
 };

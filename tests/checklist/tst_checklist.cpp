@@ -397,13 +397,13 @@ private Q_SLOTS:
         QCOMPARE(rowTexts(list), texts);
         QCOMPARE(rowTexts(indexed<QAbstractItemView>(formOf(&combo), "List", sorting ? 0 : 1)),
                  QStringList()); // the other list stays empty
-        const QVariant all = formOf(&combo)->property("AllItems");
+        const auto all = formOf(&combo)->property("AllItems").value<VariantArray>();
         QCOMPARE(snapshotRows(&combo), texts.size());
         QVariantList everyRow;
         for (int i = 0; i < texts.size(); ++i) {
             QCOMPARE(list->model()->index(i, 0).data(Qt::UserRole), ids.at(i));
-            QCOMPARE(all.value<VariantArray>().at({i, 0}).toString(), texts.at(i));
-            QCOMPARE(all.value<VariantArray>().at({i, 1}), ids.at(i));
+            QCOMPARE(all.at({i, 0}).toString(), texts.at(i));
+            QCOMPARE(all.at({i, 1}), ids.at(i));
             everyRow.append(i);
         }
         QCOMPARE(combo.ArrayVisible(), texts.isEmpty() ? QVariant() : QVariant(everyRow));

@@ -244,8 +244,9 @@ void tst_Platform::upDownArrows()
 void tst_Platform::controlsInFormLayout()
 {
     // Every control sizes itself for a layout; the one-line ones stand as high as a line edit.
-    const QStringList oneLine = {QStringLiteral("CheckCombo"), QStringLiteral("RelDate"),
-                                 QStringLiteral("NumEdit"), QStringLiteral("Navigator")};
+    const QStringList oneLine = {QStringLiteral("CheckCombo"),   QStringLiteral("RelDate"),
+                                 QStringLiteral("NumEdit"),      QStringLiteral("BoxCombo"),
+                                 QStringLiteral("ComboListBox"), QStringLiteral("Navigator")};
     QWidget form;
     auto *layout = new QFormLayout(&form);
     auto *edit = new QLineEdit(&form);
@@ -309,6 +310,9 @@ void tst_Platform::frameAndEnabled()
                      qPrintable(child->objectName()));
     }
     QVERIFY(control->setProperty("Appearance", 1));
+    form.setEnabled(false); // the form's state is not the control's own
+    QVERIFY(control->property("Enabled").toBool());
+    form.setEnabled(true);
     QVERIFY(control->setProperty("Enabled", false));
     QVERIFY(!control->property("Enabled").toBool());
     QVERIFY(control->setProperty("Enabled", false));

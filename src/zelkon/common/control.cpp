@@ -124,7 +124,9 @@ void Control::putEnabled(bool enabled)
 
 bool Control::enabledState() const
 {
-    return isEnabled();
+    // The control's own setting: a control on a disabled form still reads True, as a host that
+    // saves and restores it expects.
+    return !testAttribute(Qt::WA_ForceDisabled);
 }
 
 void Control::applyEnabled(bool enabled)
