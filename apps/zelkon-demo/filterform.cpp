@@ -51,8 +51,10 @@ QRect FilterForm::placeOf(const Slot &slot) const
 
 QSize FilterForm::sizeHint() const
 {
-    const QRect last = placeOf(m_slots.constLast());
-    return QSize(last.right() + 16, last.bottom() + 16);
+    QRect all;
+    for (const Slot &slot : m_slots)
+        all |= placeOf(slot);
+    return QSize(all.right() + 16, all.bottom() + 16);
 }
 
 void FilterForm::createControls()
