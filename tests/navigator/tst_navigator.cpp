@@ -197,7 +197,7 @@ private Q_SLOTS:
             keys.addKeyClicks(part);
             keys.addKeyClick(Qt::Key_Backspace);
         }
-        keys.removeLast();
+        delete keys.takeLast(); // the list owns its events
         keys.simulate(form.text1);
 
         QCOMPARE(form.text1->text(), text);
