@@ -21,7 +21,7 @@ public:
     QLineEdit *title = nullptr;
 };
 
-ZELKON_REGISTER_PROPERTY_PAGE(checkProperties, "checkProperties");
+ZELKON_REGISTER_PROPERTY_PAGE(checkProperties);
 
 checkProperties::checkProperties(QWidget *parent)
     : PropertyPage(parent)
@@ -37,7 +37,7 @@ checkProperties::checkProperties(QWidget *parent)
         = [this](const QString &name, const QString &labelName, const QString &label) {
               auto *field = new NumEdit(this);
               field->setDigNum(0); // both are counts: milliseconds and rows
-              connect(field, &NumEdit::ChangeValue, this, [this] { setChanged(true); });
+              connect(field, &NumEdit::ChangeValue, this, [this] { fieldEdited(); });
               addField(field, name, labelName, label);
               return field;
           };

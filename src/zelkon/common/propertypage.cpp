@@ -22,6 +22,7 @@ public:
     // Guarded: a designer may delete a selected control while its page is open.
     QList<QPointer<QObject>> selection;
     bool changed = false;
+    bool filling = false;
     QFormLayout *layout = nullptr;
 };
 
@@ -72,8 +73,10 @@ void PropertyPage::setSelectedControls(const QList<QObject *> &controls)
     d->selection.clear();
     for (QObject *c : controls)
         d->selection.append(c);
+    // Filling the fields runs their change handlers too; what is read is no edit.
+    d->filling = true;
     SelectionChanged();
-    // Filling the fields runs their change handlers too; what was just read is no edit.
+    d->filling = false;
     setChanged(false);
 }
 
@@ -148,11 +151,17 @@ void PropertyPage::applyInOrder(OnError onError,
     setChanged(false);
 }
 
+void PropertyPage::fieldEdited()
+{
+    if (!d->filling)
+        setChanged(true);
+}
+
 QCheckBox *PropertyPage::addCheckBox(const QString &name, const QString &caption)
 {
     auto *box = new QCheckBox(caption, this);
     box->setObjectName(name);
-    connect(box, &QCheckBox::stateChanged, this, [this] { setChanged(true); });
+    connect(box, &QCheckBox::stateChanged, this, &PropertyPage::fieldEdited);
     d->layout->addRow(box);
     return box;
 }
@@ -161,7 +170,7 @@ QLineEdit *PropertyPage::addTextBox(const QString &name, const QString &labelNam
                                     const QString &label)
 {
     auto *box = new QLineEdit(this);
-    connect(box, &QLineEdit::textChanged, this, [this] { setChanged(true); });
+    connect(box, &QLineEdit::textChanged, this, &PropertyPage::fieldEdited);
     addField(box, name, labelName, label);
     return box;
 }

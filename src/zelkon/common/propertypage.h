@@ -58,8 +58,10 @@ protected:
     // Runs the writes of an apply in order; a completed apply leaves the page unchanged.
     void applyInOrder(OnError onError, std::initializer_list<std::function<void()>> writes);
 
+    // Marks the page changed, except while the fields are being filled from the selection.
+    void fieldEdited();
     // Fields, one row each in the order they are added; a click or a text change marks the page
-    // changed. addField() leaves that to the caller, for fields of other kinds.
+    // changed. addField() leaves that to the caller (through fieldEdited()), for other kinds.
     QCheckBox *addCheckBox(const QString &name, const QString &caption);
     QLineEdit *addTextBox(const QString &name, const QString &labelName, const QString &label);
     void addField(QWidget *field, const QString &name, const QString &labelName,
@@ -82,8 +84,8 @@ ZELKON_EXPORT PropertyPage *createPropertyPage(const QString &name, QWidget *par
 
 } // namespace zelkon
 
-#define ZELKON_REGISTER_PROPERTY_PAGE(Class, name) \
+#define ZELKON_REGISTER_PROPERTY_PAGE(Class) \
     [[maybe_unused]] static const bool zelkonRegisteredPage##Class \
         = ::zelkon::registerPropertyPage( \
-            QStringLiteral(name), \
+            QStringLiteral(#Class), \
             [](QWidget *parent) -> ::zelkon::PropertyPage * { return new Class(parent); })

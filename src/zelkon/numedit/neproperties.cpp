@@ -21,7 +21,7 @@ public:
     QLineEdit *value = nullptr;
 };
 
-ZELKON_REGISTER_PROPERTY_PAGE(neProperties, "neProperties");
+ZELKON_REGISTER_PROPERTY_PAGE(neProperties);
 
 neProperties::neProperties(QWidget *parent)
     : PropertyPage(parent)

@@ -26,7 +26,7 @@ public:
     DatePicker *minDate = nullptr;
 };
 
-ZELKON_REGISTER_PROPERTY_PAGE(RelDateProperties, "RelDateProperties");
+ZELKON_REGISTER_PROPERTY_PAGE(RelDateProperties);
 
 RelDateProperties::RelDateProperties(QWidget *parent)
     : PropertyPage(parent)
@@ -53,7 +53,7 @@ RelDateProperties::RelDateProperties(QWidget *parent)
     d->upDown = addCheckBox(QStringLiteral("UpDown"), QStringLiteral("UpDown"));
     const auto dateField = [this](const QString &name, const QString &label) {
         auto *picker = new DatePicker(this);
-        connect(picker, &DatePicker::Change, this, [this] { setChanged(true); });
+        connect(picker, &DatePicker::Change, this, [this] { fieldEdited(); });
         addField(picker, name, QStringLiteral("lbl") + name, label);
         return picker;
     };
