@@ -1,4 +1,3 @@
-#include <zelkon/checklist/checkproperties.h>
 #include <zelkon/common/control.h>
 #include <zelkon/common/conversions.h>
 #include <zelkon/common/propertypage.h>
@@ -99,77 +98,86 @@ class tst_Pages : public QObject
     Q_OBJECT
 
 private Q_SLOTS:
-    void captions_data();
-    void captions();
+    void fields_data();
+    void fields();
     void unknownPage();
     void readsFirstControl_data();
     void readsFirstControl();
-    void everyEditMarksChanged_data();
-    void everyEditMarksChanged();
     void apply_data();
     void apply();
     void grayedBoxAppliesFalse();
 };
 
-void tst_Pages::captions_data()
+// Every field of each page, by its check box's or its label's name, with that caption.
+void tst_Pages::fields_data()
 {
     QTest::addColumn<QString>("page");
-    QTest::addColumn<QString>("field");
+    QTest::addColumn<QString>("control");
+    QTest::addColumn<QString>("name");
     QTest::addColumn<QString>("caption");
-    const auto rows = [](const QString &page,
+    const auto rows = [](const QString &page, const QString &control,
                          std::initializer_list<std::pair<QString, QString>> list) {
-        for (const auto &[field, caption] : list)
-            QTest::addRow("%s %s", qPrintable(page), qPrintable(field)) << page << field << caption;
+        for (const auto &[name, caption] : list)
+            QTest::addRow("%s %s", qPrintable(page), qPrintable(name))
+                << page << control << name << caption;
     };
-    rows(u"checkProperties"_s,
-         {{u"chkAllSelect"_s, u"Enable Select All"_s},
-          {u"chkInv"_s, u"Enable Inverted"_s},
-          {u"chkSorting"_s, u"Sort List"_s},
-          {u"chkEditEnabled"_s, u"EditEnabled"_s},
-          {u"chkSingleCheck"_s, u"Single Check Only"_s},
-          {u"lblDelay"_s, u"Delay:"_s},
-          {u"lblMaxLine"_s, u"Line Count:"_s},
-          {u"lblTitle"_s, u"Title:"_s}});
-    rows(u"RelDateProperties"_s,
-         {{u"lblRetDate"_s, u"Date:"_s},
-          {u"lblRetNum"_s, u"Number Of Day:"_s},
-          {u"lblCustomFormat"_s, u"Custom Date Format:"_s},
-          {u"chkRelative"_s, u"Relative Date"_s},
-          {u"chkMenuStateVisible"_s, u"Allow Change State From PopUp Menu"_s},
-          {u"lblBootControl"_s, u"Botoom Bound Control Name:"_s},
-          {u"lblTopControl"_s, u"Top Bound Control Name:"_s},
-          {u"chkSynchValue"_s, u"Synchronisation Value All Controls"_s},
-          {u"chkAllowAll"_s, u"Allow All Dates"_s},
-          {u"UpDown"_s, u"UpDown"_s},
-          {u"lblMaxDate"_s, u"Max Date"_s},
-          {u"lblMinDate"_s, u"Min Date"_s}});
-    rows(u"neProperties"_s,
-         {{u"chkEnabled"_s, u"Enabled"_s},
-          {u"lblMaxValue"_s, u"Min Value:"_s},
-          {u"lblMinValue"_s, u"Max Value:"_s},
-          {u"lblBorder"_s, u"Borders:"_s},
-          {u"lblFontSize"_s, u"Font Size:"_s},
-          {u"lblFontName"_s, u"Font Name:"_s},
-          {u"chkLockEdits"_s, u"Lock Edits"_s},
-          {u"lblDigNum"_s, u"Number Of Digits:"_s},
-          {u"lblValue"_s, u"Value:"_s}});
+    // Two fields a line.
+    // clang-format off
+    rows(u"checkProperties"_s, u"CheckCombo"_s,
+        {{u"chkAllSelect"_s, u"Enable Select All"_s}, {u"chkInv"_s, u"Enable Inverted"_s},
+        {u"chkSorting"_s, u"Sort List"_s}, {u"chkEditEnabled"_s, u"EditEnabled"_s},
+        {u"chkSingleCheck"_s, u"Single Check Only"_s}, {u"lblDelay"_s, u"Delay:"_s},
+        {u"lblMaxLine"_s, u"Line Count:"_s}, {u"lblTitle"_s, u"Title:"_s}});
+    rows(u"RelDateProperties"_s, u"RelDate"_s,
+        {{u"lblRetDate"_s, u"Date:"_s}, {u"lblRetNum"_s, u"Number Of Day:"_s},
+        {u"lblCustomFormat"_s, u"Custom Date Format:"_s}, {u"chkRelative"_s, u"Relative Date"_s},
+        {u"chkMenuStateVisible"_s, u"Allow Change State From PopUp Menu"_s},
+        {u"lblBootControl"_s, u"Botoom Bound Control Name:"_s},
+        {u"lblTopControl"_s, u"Top Bound Control Name:"_s},
+        {u"chkSynchValue"_s, u"Synchronisation Value All Controls"_s},
+        {u"chkAllowAll"_s, u"Allow All Dates"_s}, {u"UpDown"_s, u"UpDown"_s},
+        {u"lblMaxDate"_s, u"Max Date"_s}, {u"lblMinDate"_s, u"Min Date"_s}});
+    rows(u"neProperties"_s, u"NumEdit"_s,
+        {{u"chkEnabled"_s, u"Enabled"_s}, {u"lblMaxValue"_s, u"Min Value:"_s},
+        {u"lblMinValue"_s, u"Max Value:"_s}, {u"lblBorder"_s, u"Borders:"_s},
+        {u"lblFontSize"_s, u"Font Size:"_s}, {u"lblFontName"_s, u"Font Name:"_s},
+        {u"chkLockEdits"_s, u"Lock Edits"_s}, {u"lblDigNum"_s, u"Number Of Digits:"_s},
+        {u"lblValue"_s, u"Value:"_s}});
+    // clang-format on
 }
 
-void tst_Pages::captions()
+void tst_Pages::fields()
 {
     QFETCH(QString, page);
-    QFETCH(QString, field);
+    QFETCH(QString, control);
+    QFETCH(QString, name);
     QFETCH(QString, caption);
-    const std::unique_ptr<PropertyPage> p(createPropertyPage(page));
-    QVERIFY(p);
-    const QWidget *w = p->findChild<QWidget *>(field);
-    QVERIFY2(w, qPrintable(field));
-    if (const auto *label = qobject_cast<const QLabel *>(w)) {
+    // Given a page just filled from its selection
+    const Design design(page, control, {});
+    QWidget *field = design.field(name);
+    QVERIFY2(field, qPrintable(name));
+    if (const auto *label = qobject_cast<const QLabel *>(field)) {
         QCOMPARE(label->text(), caption);
-        QVERIFY(label->buddy()); // each label names the field it belongs to
+        field = label->buddy();
     } else {
-        QCOMPARE(qobject_cast<const QAbstractButton *>(w)->text(), caption);
+        QCOMPARE(qobject_cast<const QAbstractButton *>(field)->text(), caption);
     }
+    QSignalSpy changed(design.page.get(), &PropertyPage::ChangedChanged);
+    // When the designer edits the field
+    QWidget *target = keyTarget(field);
+    QTestEventList events;
+    if (qobject_cast<QAbstractButton *>(target))
+        events.addKeyClick(Qt::Key_Space);
+    else if (qobject_cast<QDateTimeEdit *>(target))
+        // Each picker shows its own bound: only a step inward changes it.
+        events.addKeyClick(field->objectName() == u"MinDate"_s ? Qt::Key_Up : Qt::Key_Down);
+    else
+        events.addKeyClicks(u"7"_s);
+    events.simulate(target);
+    // Then the page is changed, reported once
+    QVERIFY(design.page->Changed());
+    QCOMPARE(changed.count(), 1);
+    QCOMPARE(changed.first().first().toBool(), true);
 }
 
 void tst_Pages::unknownPage()
@@ -237,52 +245,6 @@ void tst_Pages::readsFirstControl()
     design.page->setSelectedControls({design.second.get()});
     QVERIFY(!design.page->Changed());
     QCOMPARE(changed.count(), 0);
-}
-
-void tst_Pages::everyEditMarksChanged_data()
-{
-    QTest::addColumn<QString>("page");
-    QTest::addColumn<QString>("control");
-    QTest::addColumn<QString>("field");
-    const auto rows = [](const QString &page, const QString &control, const QStringList &fields) {
-        for (const QString &field : fields)
-            QTest::addRow("%s %s", qPrintable(page), qPrintable(field)) << page << control << field;
-    };
-    rows(u"checkProperties"_s, u"CheckCombo"_s,
-         {u"chkAllSelect"_s, u"chkInv"_s, u"chkSorting"_s, u"chkEditEnabled"_s, u"chkSingleCheck"_s,
-          u"txtDelay"_s, u"txtMaxLine"_s, u"txtTitle"_s});
-    rows(u"RelDateProperties"_s, u"RelDate"_s,
-         {u"txtRetDate"_s, u"txtRetNum"_s, u"txtCustomFormat"_s, u"chkRelative"_s,
-          u"chkMenuStateVisible"_s, u"txtBootControl"_s, u"txtTopControl"_s, u"chkSynchValue"_s,
-          u"chkAllowAll"_s, u"UpDown"_s, u"MaxDate"_s, u"MinDate"_s});
-    rows(u"neProperties"_s, u"NumEdit"_s,
-         {u"chkEnabled"_s, u"txtMaxValue"_s, u"txtMinValue"_s, u"txtBorder"_s, u"txtFontSize"_s,
-          u"txtFontName"_s, u"chkLockEdits"_s, u"txtDigNum"_s, u"txtValue"_s});
-}
-
-void tst_Pages::everyEditMarksChanged()
-{
-    QFETCH(QString, page);
-    QFETCH(QString, control);
-    QFETCH(QString, field);
-    // Given a page just filled from its selection
-    const Design design(page, control, {});
-    QSignalSpy changed(design.page.get(), &PropertyPage::ChangedChanged);
-    // When the designer edits one field
-    QWidget *target = keyTarget(design.field(field));
-    QTestEventList events;
-    if (qobject_cast<QAbstractButton *>(target))
-        events.addKeyClick(Qt::Key_Space);
-    else if (qobject_cast<QDateTimeEdit *>(target))
-        // Each picker shows its own bound: only a step inward changes it.
-        events.addKeyClick(field == u"MinDate"_s ? Qt::Key_Up : Qt::Key_Down);
-    else
-        events.addKeyClicks(u"7"_s);
-    events.simulate(target);
-    // Then the page is changed, reported once
-    QVERIFY(design.page->Changed());
-    QCOMPARE(changed.count(), 1);
-    QCOMPARE(changed.first().first().toBool(), true);
 }
 
 void tst_Pages::apply_data()
