@@ -129,8 +129,14 @@ void PropertyPage::writeProperty(const char *name, const QVariant &value)
     if (index < 0 || !meta->property(index).isWritable())
         throw Error(MemberNotSupported);
     const QMetaProperty property = meta->property(index);
-    if (!property.write(c, convertedFor(property, value)))
-        throw Error(TypeMismatch);
+    try {
+        if (!property.write(c, convertedFor(property, value)))
+            throw Error(TypeMismatch);
+    } catch (const Error &error) {
+        // The designer sees which of the page's fields the control refused.
+        throw Error(error.number(),
+                    QStringLiteral("%1: %2").arg(QLatin1String(name), error.message()));
+    }
 }
 
 void PropertyPage::applyInOrder(OnError onError,
