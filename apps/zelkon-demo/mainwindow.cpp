@@ -1,6 +1,7 @@
 #include "mainwindow.h"
 
 #include "filterform.h"
+#include "propertiesdialog.h"
 #include "resultoptions.h"
 #include "wherebuilder.h"
 
@@ -52,6 +53,7 @@ MainWindow::MainWindow(const QString &databasePath, QWidget *parent)
     file->addAction(tr("&Save form..."), QKeySequence::Save, this, &MainWindow::saveFormFile);
     file->addSeparator();
     file->addAction(tr("&Quit"), QKeySequence::Quit, qApp, &QApplication::quit);
+    addEditPropertiesMenu(menuBar(), m_form);
 
     m_form->createControls();
     m_form->fillFromDatabase(m_connection);
