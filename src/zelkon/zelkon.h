@@ -12,6 +12,7 @@
 #include <zelkon/common/missing.h>
 #include <zelkon/common/platform.h>
 #include <zelkon/common/propertybag.h>
+#include <zelkon/common/propertypage.h>
 #include <zelkon/common/registry.h>
 #include <zelkon/common/variantarray.h>
 #include <zelkon/common/variants.h>
