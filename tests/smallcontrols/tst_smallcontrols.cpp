@@ -1,5 +1,5 @@
 #include <zelkon/common/error.h>
-#include <zelkon/common/formfile.h>
+#include <zelkon/common/memorypropertybag.h>
 #include <zelkon/common/registry.h>
 #include <zelkon/common/variantarray.h>
 #include <zelkon/smallcontrols/boxcombo.h>
@@ -10,7 +10,6 @@
 #include <QLabel>
 #include <QPushButton>
 #include <QSignalSpy>
-#include <QTemporaryDir>
 #include <QTest>
 
 #include <memory>
@@ -162,21 +161,20 @@ private Q_SLOTS:
         QTest::addColumn<QVariant>("argument");
         QTest::addColumn<int>("row");
         QTest::addColumn<int>("valueId");
+        const auto row = [](const char *tag, const QVariant &value, const char *property,
+                            const QVariant &argument, int row, int valueId) {
+            QTest::newRow(tag) << value << QByteArray(property) << argument << row << valueId;
+        };
         const QVariant abc = input("a b c", ids({10, 20, 30}));
-        const QByteArray valueId("ValueID"), startValue("StartValue");
-        QTest::newRow("ValueID") << abc << valueId << QVariant(20) << 1 << 20;
-        QTest::newRow("ValueID no match") << abc << valueId << QVariant(25) << -1 << 0;
-        QTest::newRow("ValueID 0, no ids") << input("a b") << valueId << QVariant(0) << 0 << 0;
-        QTest::newRow("ValueID first")
-            << input("a b", ids({7, 7})) << valueId << QVariant(7) << 0 << 7;
-        QTest::newRow("StartValue")
-            << abc << startValue << QVariant(QStringLiteral("c")) << 2 << 30;
-        QTest::newRow("StartValue exact")
-            << abc << startValue << QVariant(QStringLiteral("B")) << -1 << 0;
-        QTest::newRow("StartValue last")
-            << input("x x", ids({1, 2})) << startValue << QVariant(QStringLiteral("x")) << 1 << 2;
-        QTest::newRow("id beyond 16 bits reads 0")
-            << input("a", ids({70000})) << startValue << QVariant(QStringLiteral("a")) << 0 << 0;
+        const QString a = QStringLiteral("a"), x = QStringLiteral("x");
+        row("ValueID", abc, "ValueID", 20, 1, 20);
+        row("ValueID no match", abc, "ValueID", 25, -1, 0);
+        row("ValueID 0, no ids", input("a b"), "ValueID", 0, 0, 0);
+        row("ValueID first", input("a b", ids({7, 7})), "ValueID", 7, 0, 7);
+        row("StartValue", abc, "StartValue", QStringLiteral("c"), 2, 30);
+        row("StartValue exact", abc, "StartValue", QStringLiteral("B"), -1, 0);
+        row("StartValue last", input("x x", ids({1, 2})), "StartValue", x, 1, 2);
+        row("id beyond 16 bits reads 0", input("a", ids({70000})), "StartValue", a, 0, 0);
     }
 
     // Given a filled list, when the host selects by text or id, then Value and ValueID read the
@@ -210,16 +208,17 @@ private Q_SLOTS:
         QTest::addColumn<QVariant>("value");
         QTest::addColumn<QVariant>("readBack");
         QTest::addColumn<int>("reports");
+        const auto row = [](const char *className, const char *property, const QVariant &value,
+                            const QVariant &readBack, int reports) {
+            QTest::newRow(property) << QString::fromLatin1(className) << QByteArray(property)
+                                    << value << readBack << reports;
+        };
         const QVariant b(QStringLiteral("b"));
-        const QString box = QStringLiteral("BoxCombo"), but = QStringLiteral("ElapsedBut");
-        QTest::newRow("StartValue shown, not kept")
-            << box << QByteArray("StartValue") << b << QVariant(QString()) << 1;
-        QTest::newRow("Value") << box << QByteArray("Value") << b << b << 1;
-        QTest::newRow("AllowAddNew")
-            << box << QByteArray("AllowAddNew") << QVariant(true) << QVariant(true) << 1;
-        QTest::newRow("Titul") << but << QByteArray("Titul") << b << b << 0;
-        QTest::newRow("Enabled") << but << QByteArray("Enabled") << QVariant(false)
-                                 << QVariant(false) << 0;
+        row("BoxCombo", "StartValue", b, QString(), 1); // shown, not kept
+        row("BoxCombo", "Value", b, b, 1);
+        row("BoxCombo", "AllowAddNew", true, true, 1);
+        row("ElapsedBut", "Titul", b, b, 0);
+        row("ElapsedBut", "Enabled", false, false, 0);
     }
 
     // Given a new control, when a property is put by name twice, then it reads back, and the
@@ -249,29 +248,24 @@ private Q_SLOTS:
         QTest::addColumn<QStringList>("rows");
         QTest::addColumn<QString>("typed");
         QTest::addColumn<bool>("keyPassedOn");
-        const auto typing = [](const char *text, Qt::Key key) {
+        // Typing `text`, then `key`.
+        const auto row = [](const char *tag, bool allowAddNew, const char *text, Qt::Key key,
+                            const char *rows, const char *typed, bool keyPassedOn) {
             QTestEventList events;
             events.addKeyClicks(QString::fromLatin1(text));
             events.addKeyClick(key);
-            return events;
+            QTest::newRow(tag) << allowAddNew << events << words(rows) << QString::fromLatin1(typed)
+                               << keyPassedOn;
         };
-        const QString c = QStringLiteral("c");
-        QTest::newRow("new text") << true << typing("c", Qt::Key_Return) << words("a=1 b=2 c=0")
-                                  << c << false;
-        QTest::newRow("existing text") << true << typing("a", Qt::Key_Return) << words("a=1 b=2")
-                                       << QStringLiteral("a") << false;
-        QTest::newRow("case counts") << true << typing("A", Qt::Key_Enter) << words("a=1 b=2 A=0")
-                                     << QStringLiteral("A") << false;
-        QTest::newRow("existing, not allowed") << false << typing("b", Qt::Key_Return)
-                                               << words("a=1 b=2") << QStringLiteral("b") << true;
-        QTest::newRow("not allowed")
-            << false << typing("c", Qt::Key_Return) << words("a=1 b=2") << c << true;
-        QTest::newRow("empty text")
-            << true << typing("", Qt::Key_Return) << words("a=1 b=2") << QString() << true;
-        QTest::newRow("Escape empties")
-            << true << typing("c", Qt::Key_Escape) << words("a=1 b=2") << QString() << false;
-        QTest::newRow("Escape on empty")
-            << true << typing("", Qt::Key_Escape) << words("a=1 b=2") << QString() << true;
+        const char *ab = "a=1 b=2";
+        row("new text", true, "c", Qt::Key_Return, "a=1 b=2 c=0", "c", false);
+        row("existing text", true, "a", Qt::Key_Return, ab, "a", false);
+        row("case counts", true, "A", Qt::Key_Enter, "a=1 b=2 A=0", "A", false);
+        row("existing, not allowed", false, "b", Qt::Key_Return, ab, "b", true);
+        row("not allowed", false, "c", Qt::Key_Return, ab, "c", true);
+        row("empty text", true, "", Qt::Key_Return, ab, "", true);
+        row("Escape empties", true, "c", Qt::Key_Escape, ab, "", false);
+        row("Escape on empty", true, "", Qt::Key_Escape, ab, "", true);
     }
 
     // Given a filled box with the focus, when the user types and presses Enter or Escape, then a
@@ -313,8 +307,8 @@ private Q_SLOTS:
     void userPick_data()
     {
         QTest::addColumn<QByteArray>("className");
-        QTest::newRow("BoxCombo") << QByteArray("BoxCombo");
-        QTest::newRow("ComboListBox") << QByteArray("ComboListBox");
+        for (const char *name : {"BoxCombo", "ComboListBox"})
+            QTest::newRow(name) << QByteArray(name);
     }
 
     // Given a filled control with the focus, when the user picks a row, then Change is raised.
@@ -367,15 +361,15 @@ private Q_SLOTS:
         QTest::addColumn<Qt::KeyboardModifiers>("modifiers");
         QTest::addColumn<QVariantList>("args");
         QTest::addColumn<int>("clicks");
-        const QString button = QStringLiteral("btnEllaps");
-        QTest::newRow("left on the button") << button << Qt::LeftButton << Qt::KeyboardModifiers()
-                                            << QVariantList{1, 0, 5.0, 6.0} << 1;
-        QTest::newRow("right, Shift, button")
-            << button << Qt::RightButton << Qt::KeyboardModifiers(Qt::ShiftModifier)
-            << QVariantList{2, 1, 5.0, 6.0} << 0;
-        QTest::newRow("left, Ctrl, caption")
-            << QStringLiteral("Title") << Qt::LeftButton
-            << Qt::KeyboardModifiers(Qt::ControlModifier) << QVariantList{1, 2, 5.0, 6.0} << 0;
+        // Clicked at (5, 6) of the child.
+        const auto row = [](const char *tag, const char *child, Qt::MouseButton button,
+                            Qt::KeyboardModifiers modifiers, int b, int shift, int clicks) {
+            QTest::newRow(tag) << QString::fromLatin1(child) << button << modifiers
+                               << QVariantList{b, shift, 5.0, 6.0} << clicks;
+        };
+        row("left on the button", "btnEllaps", Qt::LeftButton, {}, 1, 0, 1);
+        row("right, Shift, button", "btnEllaps", Qt::RightButton, Qt::ShiftModifier, 2, 1, 0);
+        row("left, Ctrl, caption", "Title", Qt::LeftButton, Qt::ControlModifier, 1, 2, 0);
     }
 
     // Given a title button, when a child is clicked, then MouseDown and MouseUp carry the button,
@@ -463,38 +457,20 @@ private Q_SLOTS:
         QCOMPARE(qMax(button.right(), title.right()), but.rect().right()); // nothing left unused
     }
 
-    // Given a form of the three controls, when it is saved and loaded, then geometry and the
-    // saved properties come back, but the box's list stays empty until the host fills it.
-    void formFile()
+    // Given a filled box, when it is saved and loaded (a form file's round trip is the shell's),
+    // then its saved properties come back, but its list stays empty until the host fills it.
+    void persistence()
     {
-        QWidget form;
-        const QStringList classes = words("ElapsedBut BoxCombo ComboListBox");
-        QList<QRect> places;
-        for (int i = 0; i < classes.size(); ++i) {
-            Control *control = createControl(classes.at(i), &form);
-            control->setGeometry(5, 5 + 40 * i, 150 + 10 * i, 28);
-            places << control->geometry(); // the box keeps its own height
-        }
-        auto *box = form.findChild<BoxCombo *>();
-        box->setInputArray(input("a", ids({1})));
-        box->setAllowAddNew(true);
-        QTemporaryDir dir;
-        const QString path = dir.filePath(QStringLiteral("small.zform"));
-
-        saveForm(form, path);
-        QWidget loaded;
-        const QList<Control *> controls = loadForm(loaded, path);
-
-        QCOMPARE(controls.size(), 3);
-        for (int i = 0; i < classes.size(); ++i) {
-            QCOMPARE(QString::fromLatin1(controls.at(i)->metaObject()->className()),
-                     QStringLiteral("zelkon::") + classes.at(i));
-            QCOMPARE(controls.at(i)->geometry(), places.at(i));
-        }
-        auto *copy = qobject_cast<BoxCombo *>(controls.at(1));
-        QVERIFY(copy->AllowAddNew());
-        QCOMPARE(copy->InputArray(), box->InputArray());
-        QCOMPARE(comboOf(copy)->count(), 0);
+        BoxCombo box;
+        box.setInputArray(input("a", ids({1})));
+        box.setAllowAddNew(true);
+        MemoryPropertyBag bag;
+        box.WriteProperties(bag);
+        BoxCombo copy;
+        copy.ReadProperties(bag);
+        QVERIFY(copy.AllowAddNew());
+        QCOMPARE(copy.InputArray(), box.InputArray());
+        QCOMPARE(comboOf(&copy)->count(), 0);
     }
 };
 
