@@ -55,13 +55,21 @@ QWidget *keyTarget(QWidget *field)
     return field->findChild<QLineEdit *>();
 }
 
-// A page from its name over two controls from their class name; the first one is the selection's.
+// The class of the controls that a page edits.
+QString controlOf(const QString &page)
+{
+    return page == u"checkProperties"_s  ? u"CheckCombo"_s
+        : page == u"RelDateProperties"_s ? u"RelDate"_s
+                                         : u"NumEdit"_s;
+}
+
+// A page from its name over two of its controls; the first one is the selection's.
 struct Design
 {
-    Design(const QString &pageName, const QString &controlClass, const QVariantMap &properties)
+    Design(const QString &pageName, const QVariantMap &properties)
         : page(createPropertyPage(pageName))
-        , first(createControl(controlClass))
-        , second(createControl(controlClass))
+        , first(createControl(controlOf(pageName)))
+        , second(createControl(controlOf(pageName)))
     {
         // Newly placed on a form, as a designer's controls are.
         first->InitProperties();
@@ -112,23 +120,21 @@ private Q_SLOTS:
 void tst_Pages::fields_data()
 {
     QTest::addColumn<QString>("page");
-    QTest::addColumn<QString>("control");
     QTest::addColumn<QString>("name");
     QTest::addColumn<QString>("caption");
-    const auto rows = [](const QString &page, const QString &control,
+    const auto rows = [](const QString &page,
                          std::initializer_list<std::pair<QString, QString>> list) {
         for (const auto &[name, caption] : list)
-            QTest::addRow("%s %s", qPrintable(page), qPrintable(name))
-                << page << control << name << caption;
+            QTest::addRow("%s %s", qPrintable(page), qPrintable(name)) << page << name << caption;
     };
     // Two fields a line.
     // clang-format off
-    rows(u"checkProperties"_s, u"CheckCombo"_s,
+    rows(u"checkProperties"_s,
         {{u"chkAllSelect"_s, u"Enable Select All"_s}, {u"chkInv"_s, u"Enable Inverted"_s},
         {u"chkSorting"_s, u"Sort List"_s}, {u"chkEditEnabled"_s, u"EditEnabled"_s},
         {u"chkSingleCheck"_s, u"Single Check Only"_s}, {u"lblDelay"_s, u"Delay:"_s},
         {u"lblMaxLine"_s, u"Line Count:"_s}, {u"lblTitle"_s, u"Title:"_s}});
-    rows(u"RelDateProperties"_s, u"RelDate"_s,
+    rows(u"RelDateProperties"_s,
         {{u"lblRetDate"_s, u"Date:"_s}, {u"lblRetNum"_s, u"Number Of Day:"_s},
         {u"lblCustomFormat"_s, u"Custom Date Format:"_s}, {u"chkRelative"_s, u"Relative Date"_s},
         {u"chkMenuStateVisible"_s, u"Allow Change State From PopUp Menu"_s},
@@ -137,7 +143,7 @@ void tst_Pages::fields_data()
         {u"chkSynchValue"_s, u"Synchronisation Value All Controls"_s},
         {u"chkAllowAll"_s, u"Allow All Dates"_s}, {u"UpDown"_s, u"UpDown"_s},
         {u"lblMaxDate"_s, u"Max Date"_s}, {u"lblMinDate"_s, u"Min Date"_s}});
-    rows(u"neProperties"_s, u"NumEdit"_s,
+    rows(u"neProperties"_s,
         {{u"chkEnabled"_s, u"Enabled"_s}, {u"lblMaxValue"_s, u"Min Value:"_s},
         {u"lblMinValue"_s, u"Max Value:"_s}, {u"lblBorder"_s, u"Borders:"_s},
         {u"lblFontSize"_s, u"Font Size:"_s}, {u"lblFontName"_s, u"Font Name:"_s},
@@ -149,11 +155,10 @@ void tst_Pages::fields_data()
 void tst_Pages::fields()
 {
     QFETCH(QString, page);
-    QFETCH(QString, control);
     QFETCH(QString, name);
     QFETCH(QString, caption);
     // Given a page just filled from its selection
-    const Design design(page, control, {});
+    const Design design(page, {});
     QWidget *field = design.field(name);
     QVERIFY2(field, qPrintable(name));
     if (const auto *label = qobject_cast<const QLabel *>(field)) {
@@ -193,10 +198,9 @@ void tst_Pages::unknownPage()
 void tst_Pages::readsFirstControl_data()
 {
     QTest::addColumn<QString>("page");
-    QTest::addColumn<QString>("control");
     QTest::addColumn<QVariantMap>("properties");
     QTest::addColumn<Texts>("shown");
-    QTest::newRow("check list") << u"checkProperties"_s << u"CheckCombo"_s
+    QTest::newRow("check list") << u"checkProperties"_s
                                 << QVariantMap{{u"Inv"_s, true},
                                                {u"Sorting"_s, false},
                                                {u"Delay"_s, 300},
@@ -206,13 +210,13 @@ void tst_Pages::readsFirstControl_data()
                                          {u"txtDelay"_s, u"300"_s},
                                          {u"txtTitle"_s, u"Towns"_s}};
     QTest::newRow("relative date")
-        << u"RelDateProperties"_s << u"RelDate"_s
+        << u"RelDateProperties"_s
         << QVariantMap{{u"Relative"_s, true},
                        {u"RetNum"_s, -3},
                        {u"TopControl"_s, u"NoSuchControl"_s}}
         << Texts{
                {u"chkRelative"_s, u"1"_s}, {u"txtRetNum"_s, u"-3"_s}, {u"txtTopControl"_s, u""_s}};
-    QTest::newRow("numeric") << u"neProperties"_s << u"NumEdit"_s
+    QTest::newRow("numeric") << u"neProperties"_s
                              << QVariantMap{{u"DigNum"_s, 2},
                                             {u"MaxValue"_s, 10},
                                             {u"MinValue"_s, -5},
@@ -227,10 +231,9 @@ void tst_Pages::readsFirstControl_data()
 void tst_Pages::readsFirstControl()
 {
     QFETCH(QString, page);
-    QFETCH(QString, control);
     QFETCH(QVariantMap, properties);
     QFETCH(Texts, shown);
-    const Design design(page, control, properties);
+    const Design design(page, properties);
     for (auto it = shown.begin(); it != shown.end(); ++it) {
         const QWidget *w = design.field(it.key());
         const QVariant value = w->property("Value");
@@ -250,7 +253,6 @@ void tst_Pages::readsFirstControl()
 void tst_Pages::apply_data()
 {
     QTest::addColumn<QString>("page");
-    QTest::addColumn<QString>("control");
     QTest::addColumn<QVariantMap>("before");
     QTest::addColumn<Edits>("edits");
     QTest::addColumn<int>("applies");
@@ -258,7 +260,7 @@ void tst_Pages::apply_data()
     QTest::addColumn<QString>("error");
 
     QTest::newRow("check list in order")
-        << u"checkProperties"_s << u"CheckCombo"_s << QVariantMap{{u"Sorting"_s, true}}
+        << u"checkProperties"_s << QVariantMap{{u"Sorting"_s, true}}
         << Edits{click(u"chkInv"_s), click(u"chkSorting"_s), type(u"txtDelay"_s, u"250"_s),
                  type(u"txtMaxLine"_s, u"12"_s), type(u"txtTitle"_s, u"Towns"_s)}
         << 1
@@ -269,45 +271,43 @@ void tst_Pages::apply_data()
                  {u"Title"_s, u"Towns"_s}}
         << QString();
     QTest::newRow("check list delay overflows: the rest is kept")
-        << u"checkProperties"_s << u"CheckCombo"_s
-        << QVariantMap{{u"Delay"_s, 100}, {u"Title"_s, u"Cities"_s}}
+        << u"checkProperties"_s << QVariantMap{{u"Delay"_s, 100}, {u"Title"_s, u"Cities"_s}}
         << Edits{click(u"chkInv"_s), type(u"txtDelay"_s, u"40000"_s),
                  type(u"txtTitle"_s, u"Towns"_s)}
         << 1 << Texts{{u"Inv"_s, u"True"_s}, {u"Delay"_s, u"100"_s}, {u"Title"_s, u"Cities"_s}}
         << u"Delay: Overflow"_s;
     QTest::newRow("absolute date, day count ignored")
-        << u"RelDateProperties"_s << u"RelDate"_s << QVariantMap{{u"Relative"_s, true}}
+        << u"RelDateProperties"_s << QVariantMap{{u"Relative"_s, true}}
         << Edits{click(u"chkRelative"_s), type(u"txtRetDate"_s, u"1/15/2024"_s),
                  type(u"txtRetNum"_s, u"9"_s)}
         << 1 << Texts{{u"Relative"_s, u"False"_s}, {u"RetDate"_s, u"1/15/24"_s}} << QString();
     QTest::newRow("relative day count, date ignored")
-        << u"RelDateProperties"_s << u"RelDate"_s << QVariantMap{{u"Relative"_s, false}}
+        << u"RelDateProperties"_s << QVariantMap{{u"Relative"_s, false}}
         << Edits{click(u"chkRelative"_s), type(u"txtRetNum"_s, u"-7"_s),
                  type(u"txtRetDate"_s, u"1/15/2024"_s)}
         << 1 << Texts{{u"Relative"_s, u"True"_s}, {u"RetNum"_s, u"-7"_s}} << QString();
     const Edits allDates{type(u"txtRetDate"_s, u"All"_s), click(u"chkAllowAll"_s)};
     QTest::newRow("All before Allow All Dates: refused")
-        << u"RelDateProperties"_s << u"RelDate"_s
+        << u"RelDateProperties"_s
         << QVariantMap{{u"Relative"_s, false}, {u"RetDate"_s, u"5/1/2024"_s}} << allDates << 1
         << Texts{{u"AllowAll"_s, u"True"_s}, {u"RetDate"_s, u"5/1/24"_s}} << QString();
     QTest::newRow("All before Allow All Dates: second apply")
-        << u"RelDateProperties"_s << u"RelDate"_s
+        << u"RelDateProperties"_s
         << QVariantMap{{u"Relative"_s, false}, {u"RetDate"_s, u"5/1/2024"_s}} << allDates << 2
         << Texts{{u"AllowAll"_s, u"True"_s}, {u"RetDate"_s, u"All"_s}} << QString();
     QTest::newRow("bad day count and unknown partner skipped, the rest applied")
-        << u"RelDateProperties"_s << u"RelDate"_s
-        << QVariantMap{{u"Relative"_s, true}, {u"RetNum"_s, 4}}
+        << u"RelDateProperties"_s << QVariantMap{{u"Relative"_s, true}, {u"RetNum"_s, 4}}
         << Edits{type(u"txtRetNum"_s, u"x"_s), type(u"txtBootControl"_s, u"NoSuchControl"_s),
                  click(u"chkSynchValue"_s)}
         << 1
         << Texts{{u"RetNum"_s, u"4"_s}, {u"BootControl"_s, u""_s}, {u"SynchValue"_s, u"True"_s}}
         << QString();
     QTest::newRow("value after the range it falls in")
-        << u"neProperties"_s << u"NumEdit"_s << QVariantMap{{u"MaxValue"_s, 60}, {u"Value"_s, 50}}
+        << u"neProperties"_s << QVariantMap{{u"MaxValue"_s, 60}, {u"Value"_s, 50}}
         << Edits{type(u"txtMaxValue"_s, u"100"_s), type(u"txtValue"_s, u"80"_s)} << 1
         << Texts{{u"MaxValue"_s, u"100"_s}, {u"Value"_s, u"80"_s}} << QString();
     QTest::newRow("value clamped to the new range")
-        << u"neProperties"_s << u"NumEdit"_s << QVariantMap{{u"Value"_s, 50}}
+        << u"neProperties"_s << QVariantMap{{u"Value"_s, 50}}
         << Edits{type(u"txtMaxValue"_s, u"10"_s), type(u"txtDigNum"_s, u"1"_s),
                  click(u"chkLockEdits"_s)}
         << 1
@@ -317,7 +317,7 @@ void tst_Pages::apply_data()
                  {u"LockEdits"_s, u"True"_s}}
         << QString();
     QTest::newRow("non-numeric digits end the apply")
-        << u"neProperties"_s << u"NumEdit"_s << QVariantMap{{u"Value"_s, 50}}
+        << u"neProperties"_s << QVariantMap{{u"Value"_s, 50}}
         << Edits{click(u"chkLockEdits"_s), type(u"txtDigNum"_s, u"x"_s),
                  type(u"txtValue"_s, u"3"_s)}
         << 1 << Texts{{u"LockEdits"_s, u"True"_s}, {u"DigNum"_s, u"0"_s}, {u"Value"_s, u"50"_s}}
@@ -327,7 +327,6 @@ void tst_Pages::apply_data()
 void tst_Pages::apply()
 {
     QFETCH(QString, page);
-    QFETCH(QString, control);
     QFETCH(QVariantMap, before);
     QFETCH(Edits, edits);
     QFETCH(int, applies);
@@ -335,7 +334,7 @@ void tst_Pages::apply()
     QFETCH(QString, error);
     const bool fails = !error.isEmpty();
     // Given a page over two controls, edited by the designer
-    Design design(page, control, before);
+    Design design(page, before);
     const Texts secondBefore = Design::read(design.second.get(), after);
     design.edit(edits);
     QVERIFY(design.page->Changed());
@@ -352,7 +351,7 @@ void tst_Pages::apply()
 
 void tst_Pages::grayedBoxAppliesFalse()
 {
-    Design design(u"checkProperties"_s, u"CheckCombo"_s, {{u"Sorting"_s, true}});
+    Design design(u"checkProperties"_s, {{u"Sorting"_s, true}});
     qobject_cast<QCheckBox *>(design.field(u"chkSorting"_s))->setCheckState(Qt::PartiallyChecked);
     design.page->ApplyChanges();
     QCOMPARE(design.first->property("Sorting").toBool(), false);
