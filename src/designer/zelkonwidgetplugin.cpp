@@ -5,6 +5,8 @@
 
 #include <QIcon>
 
+#include <memory>
+
 namespace {
 
 // Where each class's header lives, for the code that uic writes.
@@ -57,7 +59,7 @@ QString ZelkonWidgetPlugin::includeFile() const
 
 QIcon ZelkonWidgetPlugin::icon() const
 {
-    return QIcon();
+    return QIcon(QStringLiteral(":/zelkon/designer/icons/%1.png").arg(m_className.toLower()));
 }
 
 bool ZelkonWidgetPlugin::isContainer() const
@@ -68,7 +70,9 @@ bool ZelkonWidgetPlugin::isContainer() const
 QWidget *ZelkonWidgetPlugin::createWidget(QWidget *parent)
 {
     zelkon::Control *control = zelkon::createControl(m_className, parent);
-    if (control) {
+    // Only Designer initializes the plugin with its core: QUiLoader creates the controls of a form
+    // that runs, which stay in user mode.
+    if (control && m_core) {
         // On a form being designed the control is in design mode, as a newly placed control.
         control->setUserMode(false);
         control->InitProperties();
@@ -81,13 +85,27 @@ bool ZelkonWidgetPlugin::isInitialized() const
     return m_initialized;
 }
 
-void ZelkonWidgetPlugin::initialize(QDesignerFormEditorInterface *)
+void ZelkonWidgetPlugin::initialize(QDesignerFormEditorInterface *core)
 {
+    m_core = core;
     m_initialized = true;
 }
 
+// A control dropped on a form starts at its size hint: without a geometry here Designer would
+// give it the size of its drag image.
 QString ZelkonWidgetPlugin::domXml() const
 {
-    return QStringLiteral("<ui language=\"c++\"><widget class=\"%1\" name=\"%2\"/></ui>")
-        .arg(name(), m_className.left(1).toLower() + m_className.mid(1));
+    QSize size(100, 20);
+    if (const std::unique_ptr<zelkon::Control> control{zelkon::createControl(m_className)}) {
+        control->setUserMode(false);
+        control->InitProperties();
+        size = control->sizeHint();
+    }
+    return QStringLiteral("<ui language=\"c++\"><widget class=\"%1\" name=\"%2\">"
+                          "<property name=\"geometry\"><rect><x>0</x><y>0</y>"
+                          "<width>%3</width><height>%4</height></rect></property>"
+                          "</widget></ui>")
+        .arg(name(), m_className.left(1).toLower() + m_className.mid(1))
+        .arg(size.width())
+        .arg(size.height());
 }
