@@ -1,9 +1,12 @@
 #include "zelkonwidgetplugin.h"
+#include "zelkontaskmenu.h"
+#include "zelkontaskmenufactory.h"
 
 #include <zelkon/common/control.h>
 #include <zelkon/common/registry.h>
 
 #include <QIcon>
+#include <QtDesigner/QExtensionManager>
 
 #include <memory>
 
@@ -87,8 +90,14 @@ bool ZelkonWidgetPlugin::isInitialized() const
 
 void ZelkonWidgetPlugin::initialize(QDesignerFormEditorInterface *core)
 {
-    m_core = core;
     m_initialized = true;
+    if (core == m_core)
+        return;
+    m_core = core;
+    QExtensionManager *manager = core ? core->extensionManager() : nullptr;
+    if (manager && !ZelkonTaskMenu::pageFor(m_className).isEmpty())
+        manager->registerExtensions(new ZelkonTaskMenuFactory(manager),
+                                    Q_TYPEID(QDesignerTaskMenuExtension));
 }
 
 // A control dropped on a form starts at its size hint: without a geometry here Designer would

@@ -6,10 +6,13 @@
 #include <zelkon/common/error.h>
 #include <zelkon/common/registry.h>
 
+#include <QAction>
 #include <QPluginLoader>
 #include <QTest>
 #include <QUiLoader>
 #include <QtDesigner/QDesignerFormEditorInterface>
+#include <QtDesigner/QDesignerTaskMenuExtension>
+#include <QtDesigner/QExtensionManager>
 #include <QtUiPlugin/QDesignerCustomWidgetCollectionInterface>
 
 #include <memory>
@@ -34,6 +37,13 @@ bool designerEdits(const QMetaProperty &property)
     return property.isEnumType() || types.contains(property.userType());
 }
 
+// Designer's core as the plugin sees it, with the extension manager Designer would give it.
+class DesignerCore : public QDesignerFormEditorInterface
+{
+public:
+    using QDesignerFormEditorInterface::setExtensionManager;
+};
+
 } // namespace
 
 class tst_Designer : public QObject
@@ -55,7 +65,12 @@ void tst_Designer::offersEveryControl()
     QVERIFY(collection);
     QStringList offered;
     QWidget form;
-    QDesignerFormEditorInterface core;
+    DesignerCore core;
+    auto *extensions = new QExtensionManager(&core);
+    core.setExtensionManager(extensions);
+    const QStringList withPages
+        = {QStringLiteral("zelkon::CheckCombo"), QStringLiteral("zelkon::RelDate"),
+           QStringLiteral("zelkon::NumEdit")};
     for (QDesignerCustomWidgetInterface *widget : collection->customWidgets()) {
         offered.append(widget->name());
         widget->initialize(&core);
@@ -66,6 +81,13 @@ void tst_Designer::offersEveryControl()
         QVERIFY2(control, qPrintable(widget->name()));
         QVERIFY(!control->UserMode());
         QCOMPARE(QString::fromLatin1(control->metaObject()->className()), widget->name());
+        // The controls with a property page offer it in the task menu, and only they do.
+        auto *taskMenu = qt_extension<QDesignerTaskMenuExtension *>(extensions, control);
+        QCOMPARE(bool(taskMenu), withPages.contains(widget->name()));
+        if (taskMenu) {
+            QCOMPARE(taskMenu->taskActions().size(), 1);
+            QCOMPARE(taskMenu->preferredEditAction()->text(), QStringLiteral("Edit Properties..."));
+        }
         // Dropped on a form, the control starts at its size hint.
         const QSize hint = control->sizeHint();
         const QString geometry = QStringLiteral("<width>%1</width><height>%2</height>")
