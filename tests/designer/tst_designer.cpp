@@ -7,8 +7,15 @@
 #include <zelkon/common/registry.h>
 
 #include <QAction>
+#include <QApplication>
+#include <QDialog>
+#include <QDialogButtonBox>
+#include <QLineEdit>
 #include <QPluginLoader>
+#include <QPushButton>
+#include <QScopeGuard>
 #include <QTest>
+#include <QTimer>
 #include <QUiLoader>
 #include <QtDesigner/QDesignerFormEditorInterface>
 #include <QtDesigner/QDesignerTaskMenuExtension>
@@ -51,6 +58,7 @@ class tst_Designer : public QObject
     Q_OBJECT
 private Q_SLOTS:
     void offersEveryControl();
+    void editPropertiesDialogAppliesThePage();
     void designablePropertiesAreEditable_data();
     void designablePropertiesAreEditable();
     void shortPropertiesKeepTheirRange_data();
@@ -99,6 +107,48 @@ void tst_Designer::offersEveryControl()
     for (const QString &name : zelkon::controlClassNames())
         expected.append(QStringLiteral("zelkon::") + name);
     QCOMPARE(offered, expected);
+}
+
+void tst_Designer::editPropertiesDialogAppliesThePage()
+{
+    // Given a NumEdit on a form in Designer
+    DesignerCore core;
+    auto *extensions = new QExtensionManager(&core);
+    core.setExtensionManager(extensions);
+    QDesignerCustomWidgetInterface *plugged = nullptr;
+    for (QDesignerCustomWidgetInterface *widget : plugin()->customWidgets()) {
+        if (widget->name() == QLatin1String("zelkon::NumEdit"))
+            plugged = widget;
+    }
+    QVERIFY(plugged);
+    plugged->initialize(&core);
+    QWidget form;
+    QWidget *control = plugged->createWidget(&form);
+    auto *taskMenu = qt_extension<QDesignerTaskMenuExtension *>(extensions, control);
+    QVERIFY(taskMenu);
+    bool edited = false;
+    QTimer::singleShot(0, this, [&] {
+        auto *dialog = qobject_cast<QDialog *>(QApplication::activeModalWidget());
+        QVERIFY(dialog);
+        const auto closing = qScopeGuard([dialog] { dialog->reject(); });
+        QPushButton *apply
+            = dialog->findChild<QDialogButtonBox *>()->button(QDialogButtonBox::Apply);
+        auto *fontSize = dialog->findChild<QLineEdit *>(QStringLiteral("txtFontSize"));
+        QVERIFY(apply && fontSize);
+        QVERIFY(!apply->isEnabled());
+        // When the designer edits a field and applies
+        fontSize->selectAll();
+        QTest::keyClicks(fontSize, QStringLiteral("14"));
+        QVERIFY(apply->isEnabled());
+        QTest::mouseClick(apply, Qt::LeftButton);
+        // Then the control has the value and Apply waits for the next edit
+        QCOMPARE(control->property("FontSize").toInt(), 14);
+        QVERIFY(!apply->isEnabled());
+        edited = true;
+    });
+    // When the designer picks "Edit Properties..."
+    taskMenu->preferredEditAction()->trigger();
+    QVERIFY(edited);
 }
 
 void tst_Designer::designablePropertiesAreEditable_data()
