@@ -1,9 +1,14 @@
 #include "zelkonwidgetplugin.h"
+#include "zelkontaskmenu.h"
+#include "zelkontaskmenufactory.h"
 
 #include <zelkon/common/control.h>
 #include <zelkon/common/registry.h>
 
 #include <QIcon>
+#include <QtDesigner/QExtensionManager>
+
+#include <memory>
 
 namespace {
 
@@ -57,7 +62,7 @@ QString ZelkonWidgetPlugin::includeFile() const
 
 QIcon ZelkonWidgetPlugin::icon() const
 {
-    return QIcon();
+    return QIcon(QStringLiteral(":/zelkon/designer/icons/%1.png").arg(m_className.toLower()));
 }
 
 bool ZelkonWidgetPlugin::isContainer() const
@@ -68,7 +73,9 @@ bool ZelkonWidgetPlugin::isContainer() const
 QWidget *ZelkonWidgetPlugin::createWidget(QWidget *parent)
 {
     zelkon::Control *control = zelkon::createControl(m_className, parent);
-    if (control) {
+    // Only Designer initializes the plugin with its core: QUiLoader creates the controls of a form
+    // that runs, which stay in user mode.
+    if (control && m_core) {
         // On a form being designed the control is in design mode, as a newly placed control.
         control->setUserMode(false);
         control->InitProperties();
@@ -81,13 +88,33 @@ bool ZelkonWidgetPlugin::isInitialized() const
     return m_initialized;
 }
 
-void ZelkonWidgetPlugin::initialize(QDesignerFormEditorInterface *)
+void ZelkonWidgetPlugin::initialize(QDesignerFormEditorInterface *core)
 {
     m_initialized = true;
+    if (core == m_core)
+        return;
+    m_core = core;
+    QExtensionManager *manager = core ? core->extensionManager() : nullptr;
+    if (manager && !ZelkonTaskMenu::pageFor(m_className).isEmpty())
+        manager->registerExtensions(new ZelkonTaskMenuFactory(manager),
+                                    Q_TYPEID(QDesignerTaskMenuExtension));
 }
 
+// A control dropped on a form starts at its size hint: without a geometry here Designer would
+// give it the size of its drag image.
 QString ZelkonWidgetPlugin::domXml() const
 {
-    return QStringLiteral("<ui language=\"c++\"><widget class=\"%1\" name=\"%2\"/></ui>")
-        .arg(name(), m_className.left(1).toLower() + m_className.mid(1));
+    QSize size(100, 20);
+    if (const std::unique_ptr<zelkon::Control> control{zelkon::createControl(m_className)}) {
+        control->setUserMode(false);
+        control->InitProperties();
+        size = control->sizeHint();
+    }
+    return QStringLiteral("<ui language=\"c++\"><widget class=\"%1\" name=\"%2\">"
+                          "<property name=\"geometry\"><rect><x>0</x><y>0</y>"
+                          "<width>%3</width><height>%4</height></rect></property>"
+                          "</widget></ui>")
+        .arg(name(), m_className.left(1).toLower() + m_className.mid(1))
+        .arg(size.width())
+        .arg(size.height());
 }

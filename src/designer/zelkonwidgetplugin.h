@@ -1,6 +1,8 @@
 // ZelkonWidgetPlugin: one Zelkon control class as Qt Designer sees it.
 #pragma once
 
+#include <QPointer>
+#include <QtDesigner/QDesignerFormEditorInterface>
 #include <QtUiPlugin/QDesignerCustomWidgetInterface>
 
 class ZelkonWidgetPlugin
@@ -26,5 +28,6 @@ public:
 
 private:
     QString m_className;
+    QPointer<QDesignerFormEditorInterface> m_core;
     bool m_initialized = false;
 };

@@ -219,6 +219,11 @@ void CheckCombo::setMaxLine(qint16 rows)
     notifyPut(QStringLiteral("MaxLine"));
 }
 
+void CheckCombo::setMaxLine(int rows)
+{
+    setMaxLine(CInt(rows));
+}
+
 qint16 CheckCombo::Delay() const
 {
     return d->listForm->Delay();
@@ -228,6 +233,11 @@ void CheckCombo::setDelay(qint16 milliseconds)
 {
     d->listForm->setDelay(milliseconds);
     notifyPut(QStringLiteral("Delay"));
+}
+
+void CheckCombo::setDelay(int milliseconds)
+{
+    setDelay(CInt(milliseconds));
 }
 
 QFont CheckCombo::Font() const

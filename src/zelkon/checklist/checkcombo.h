@@ -16,9 +16,11 @@ class ZELKON_EXPORT CheckCombo : public Control
 {
     Q_OBJECT
     Q_PROPERTY(QString Title READ Title WRITE setTitle)
-    Q_PROPERTY(qint16 MaxLine READ MaxLine WRITE setMaxLine)
-    Q_PROPERTY(qint16 Delay READ Delay WRITE setDelay)
-    Q_PROPERTY(bool Enabled READ Enabled WRITE putEnabled)
+    Q_PROPERTY(int MaxLine READ MaxLine WRITE setMaxLine)
+    Q_PROPERTY(int Delay READ Delay WRITE setDelay)
+    // Designer edits QWidget::enabled instead: uic would write this one through
+    // QWidget::setEnabled.
+    Q_PROPERTY(bool Enabled READ Enabled WRITE putEnabled DESIGNABLE false)
     Q_PROPERTY(bool EditEnabled READ EditEnabled WRITE setEditEnabled)
     Q_PROPERTY(bool Sorting READ Sorting WRITE setSorting)
     Q_PROPERTY(bool Inv READ Inv WRITE setInv)
@@ -26,23 +28,24 @@ class ZELKON_EXPORT CheckCombo : public Control
     Q_PROPERTY(bool AllSelect READ AllSelect WRITE setAllSelect)
     Q_PROPERTY(qint32 Appearance READ Appearance WRITE setAppearance)
     Q_PROPERTY(qint32 Border READ Border WRITE setBorder)
-    Q_PROPERTY(float Left READ Left WRITE setLeft)
-    Q_PROPERTY(float Top READ Top WRITE setTop)
-    Q_PROPERTY(float Height READ Height WRITE setHeight)
-    Q_PROPERTY(float Width READ Width WRITE setWidth)
-    Q_PROPERTY(QFont Font READ Font WRITE putFont)
+    Q_PROPERTY(float Left READ Left WRITE setLeft DESIGNABLE false)
+    Q_PROPERTY(float Top READ Top WRITE setTop DESIGNABLE false)
+    Q_PROPERTY(float Height READ Height WRITE setHeight DESIGNABLE false)
+    Q_PROPERTY(float Width READ Width WRITE setWidth DESIGNABLE false)
+    // As Enabled: Designer edits QWidget::font, which is what uic would write.
+    Q_PROPERTY(QFont Font READ Font WRITE putFont DESIGNABLE false)
     // Redeclared so that a name set by property (forms, Designer) reaches the field as well.
     Q_PROPERTY(QString accessibleName READ accessibleName WRITE setAccessibleName)
 
     Q_PROPERTY(zelkon::CheckCombo::ExDate TypeData READ TypeData WRITE setTypeData)
-    Q_PROPERTY(QVariant SArrayData READ SArrayData WRITE setSArrayData)
-    Q_PROPERTY(QObject *RecordsetData READ RecordsetData WRITE setRecordsetData)
+    Q_PROPERTY(QVariant SArrayData READ SArrayData WRITE setSArrayData DESIGNABLE false)
+    Q_PROPERTY(QObject *RecordsetData READ RecordsetData WRITE setRecordsetData DESIGNABLE false)
     Q_PROPERTY(QString CommandText READ CommandText WRITE setCommandText)
     Q_PROPERTY(qint32 CommandType READ CommandType WRITE setCommandType)
-    Q_PROPERTY(QObject *Connect READ Connect WRITE setConnect)
-    Q_PROPERTY(QVariant ArrayChecked READ ArrayChecked WRITE setArrayChecked)
-    Q_PROPERTY(QVariant ArrayCheckedID READ ArrayCheckedID WRITE setArrayCheckedID)
-    Q_PROPERTY(QVariant ArrayVisible READ ArrayVisible WRITE setArrayVisible)
+    Q_PROPERTY(QObject *Connect READ Connect WRITE setConnect DESIGNABLE false)
+    Q_PROPERTY(QVariant ArrayChecked READ ArrayChecked WRITE setArrayChecked DESIGNABLE false)
+    Q_PROPERTY(QVariant ArrayCheckedID READ ArrayCheckedID WRITE setArrayCheckedID DESIGNABLE false)
+    Q_PROPERTY(QVariant ArrayVisible READ ArrayVisible WRITE setArrayVisible DESIGNABLE false)
 
 public:
     // Kind of data source.
@@ -60,8 +63,12 @@ public:
     void setTitle(const QString &title);
     qint16 MaxLine() const;
     void setMaxLine(qint16 rows);
+    // The designable form: raises the overflow error (6) outside -32768..32767.
+    void setMaxLine(int rows);
     qint16 Delay() const;
     void setDelay(qint16 milliseconds);
+    // The designable form: raises the overflow error (6) outside -32768..32767.
+    void setDelay(int milliseconds);
     // Font keeps its name for hosts that reach it by name; its C++ setter is named so that it
     // does not hide QWidget::setFont. Enabled is the shell's.
     QFont Font() const;

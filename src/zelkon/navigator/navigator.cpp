@@ -520,6 +520,11 @@ void Navigator::setListLine(qint16 lines)
     notifyPut(QStringLiteral("ListLine"));
 }
 
+void Navigator::setListLine(int lines)
+{
+    setListLine(CInt(lines));
+}
+
 bool Navigator::AllCaps() const
 {
     return d->allCaps;
@@ -548,6 +553,11 @@ void Navigator::setCharCount(qint16 count)
     if (count >= 0)
         d->text1->setMaxLength(count == 0 ? noLengthLimit : count);
     notifyPut(QStringLiteral("CharCount"));
+}
+
+void Navigator::setCharCount(int count)
+{
+    setCharCount(CInt(count));
 }
 
 bool Navigator::UpDown() const
@@ -634,6 +644,11 @@ void Navigator::setFontSize(qint16 points)
         setFont(f);
     }
     notifyPut(QStringLiteral("FontSize"));
+}
+
+void Navigator::setFontSize(int points)
+{
+    setFontSize(CInt(points));
 }
 
 QSize Navigator::sizeHint() const

@@ -19,16 +19,18 @@ class ZELKON_EXPORT Navigator : public Control
     // The interface's own spelling, kept for hosts that assign it by name.
     Q_PROPERTY(QVariant DataSourthe READ DataSourthe WRITE setDataSourthe DESIGNABLE false)
     Q_PROPERTY(bool LockEdits READ LockEdits WRITE setLockEdits)
-    Q_PROPERTY(qint16 ListLine READ ListLine WRITE setListLine)
+    Q_PROPERTY(int ListLine READ ListLine WRITE setListLine)
     Q_PROPERTY(bool AllCaps READ AllCaps WRITE setAllCaps)
-    Q_PROPERTY(qint16 CharCount READ CharCount WRITE setCharCount)
+    Q_PROPERTY(int CharCount READ CharCount WRITE setCharCount)
     Q_PROPERTY(bool UpDown READ UpDown WRITE setUpDown)
     Q_PROPERTY(qint32 FieldInd READ FieldInd WRITE setFieldInd)
     Q_PROPERTY(QString Text2 READ Text2 WRITE setText2 DESIGNABLE false)
     Q_PROPERTY(qint32 FieldInd2 READ FieldInd2 WRITE setFieldInd2)
     Q_PROPERTY(QString FontName READ FontName WRITE setFontName)
-    Q_PROPERTY(qint16 FontSize READ FontSize WRITE setFontSize)
-    Q_PROPERTY(bool Enabled READ Enabled WRITE putEnabled)
+    Q_PROPERTY(int FontSize READ FontSize WRITE setFontSize)
+    // Designer edits QWidget::enabled instead: uic would write this one through
+    // QWidget::setEnabled.
+    Q_PROPERTY(bool Enabled READ Enabled WRITE putEnabled DESIGNABLE false)
 
 public:
     explicit Navigator(QWidget *parent = nullptr);
@@ -48,10 +50,14 @@ public:
     void setLockEdits(bool locked);
     qint16 ListLine() const;
     void setListLine(qint16 lines);
+    // The designable form: raises the overflow error (6) outside -32768..32767.
+    void setListLine(int lines);
     bool AllCaps() const;
     void setAllCaps(bool allCaps);
     qint16 CharCount() const;
     void setCharCount(qint16 count);
+    // The designable form: raises the overflow error (6) outside -32768..32767.
+    void setCharCount(int count);
     bool UpDown() const;
     void setUpDown(bool upward);
     qint32 FieldInd() const;
@@ -65,6 +71,8 @@ public:
     void setFontName(const QString &name);
     qint16 FontSize() const;
     void setFontSize(qint16 points);
+    // The designable form: raises the overflow error (6) outside -32768..32767.
+    void setFontSize(int points);
 
     QSize sizeHint() const override;
     QSize minimumSizeHint() const override;

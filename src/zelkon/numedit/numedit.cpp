@@ -532,6 +532,11 @@ void NumEdit::setDigNum(qint16 digits)
     notifyPut(QStringLiteral("DigNum"));
 }
 
+void NumEdit::setDigNum(int digits)
+{
+    setDigNum(CInt(digits));
+}
+
 quint32 NumEdit::BackTextColor() const
 {
     return d->backTextColor;
@@ -585,6 +590,11 @@ void NumEdit::setFontSize(qint16 points)
     notifyPut(QStringLiteral("FontSize"));
 }
 
+void NumEdit::setFontSize(int points)
+{
+    setFontSize(CInt(points));
+}
+
 qint16 NumEdit::Border() const
 {
     return d->border;
@@ -599,6 +609,11 @@ void NumEdit::setBorder(qint16 border)
         notifyPut(QStringLiteral("Border"));
 }
 
+void NumEdit::setBorder(int border)
+{
+    setBorder(CInt(border));
+}
+
 qint16 NumEdit::Appearance() const
 {
     return d->appearance;
@@ -610,6 +625,11 @@ void NumEdit::setAppearance(qint16 appearance)
         put(d->appearance, appearance, QStringLiteral("Appearance"), [this] { d->updateFrame(); });
     else
         notifyPut(QStringLiteral("Appearance"));
+}
+
+void NumEdit::setAppearance(int appearance)
+{
+    setAppearance(CInt(appearance));
 }
 
 double NumEdit::MinValue() const

@@ -15,20 +15,22 @@ class NumEditPrivate;
 class ZELKON_EXPORT NumEdit : public Control
 {
     Q_OBJECT
-    Q_PROPERTY(QVariant TagVariant READ TagVariant WRITE setTagVariant)
+    Q_PROPERTY(QVariant TagVariant READ TagVariant WRITE setTagVariant DESIGNABLE false)
     Q_PROPERTY(double Value READ Value WRITE setValue)
     Q_PROPERTY(quint32 TextColor READ TextColor WRITE setTextColor)
     Q_PROPERTY(quint32 NegTextColor READ NegTextColor WRITE setNegTextColor)
-    Q_PROPERTY(qint16 DigNum READ DigNum WRITE setDigNum)
+    Q_PROPERTY(int DigNum READ DigNum WRITE setDigNum)
     Q_PROPERTY(quint32 BackTextColor READ BackTextColor WRITE setBackTextColor)
     Q_PROPERTY(bool LockEdits READ LockEdits WRITE setLockEdits)
     Q_PROPERTY(QString FontName READ FontName WRITE setFontName)
-    Q_PROPERTY(qint16 FontSize READ FontSize WRITE setFontSize)
-    Q_PROPERTY(qint16 Border READ Border WRITE setBorder)
-    Q_PROPERTY(qint16 Appearance READ Appearance WRITE setAppearance)
+    Q_PROPERTY(int FontSize READ FontSize WRITE setFontSize)
+    Q_PROPERTY(int Border READ Border WRITE setBorder)
+    Q_PROPERTY(int Appearance READ Appearance WRITE setAppearance)
     Q_PROPERTY(double MinValue READ MinValue WRITE setMinValue)
-    Q_PROPERTY(QVariant MaxValue READ MaxValue WRITE setMaxValue)
-    Q_PROPERTY(bool Enabled READ Enabled WRITE putEnabled)
+    Q_PROPERTY(QVariant MaxValue READ MaxValue WRITE setMaxValue DESIGNABLE false)
+    // Designer edits QWidget::enabled instead: uic would write this one through
+    // QWidget::setEnabled.
+    Q_PROPERTY(bool Enabled READ Enabled WRITE putEnabled DESIGNABLE false)
 
 public:
     explicit NumEdit(QWidget *parent = nullptr);
@@ -49,6 +51,8 @@ public:
     void setNegTextColor(quint32 color);
     qint16 DigNum() const;
     void setDigNum(qint16 digits);
+    // The designable form: raises the overflow error (6) outside -32768..32767.
+    void setDigNum(int digits);
     quint32 BackTextColor() const;
     void setBackTextColor(quint32 color);
     bool LockEdits() const;
@@ -57,10 +61,16 @@ public:
     void setFontName(const QString &name);
     qint16 FontSize() const;
     void setFontSize(qint16 points);
+    // The designable form: raises the overflow error (6) outside -32768..32767.
+    void setFontSize(int points);
     qint16 Border() const;
     void setBorder(qint16 border);
+    // The designable form: raises the overflow error (6) outside -32768..32767.
+    void setBorder(int border);
     qint16 Appearance() const;
     void setAppearance(qint16 appearance);
+    // The designable form: raises the overflow error (6) outside -32768..32767.
+    void setAppearance(int appearance);
     double MinValue() const;
     void setMinValue(double value);
     QVariant MaxValue() const;

@@ -32,21 +32,23 @@ class ZELKON_EXPORT RelDate : public Control
     Q_PROPERTY(bool MenuStateVisible READ MenuStateVisible WRITE setMenuStateVisible)
     Q_PROPERTY(qint32 CheckBoxState READ CheckBoxState WRITE setCheckBoxState)
     Q_PROPERTY(bool Relative READ Relative WRITE setRelative)
-    Q_PROPERTY(QVariant RetDate READ RetDate WRITE setRetDate)
+    Q_PROPERTY(QVariant RetDate READ RetDate WRITE setRetDate DESIGNABLE false)
     Q_PROPERTY(qint32 RetNum READ RetNum WRITE setRetNum)
     Q_PROPERTY(QString CustomFormat READ CustomFormat WRITE setCustomFormat)
     // QWidget::setEnabled must stay what it is, so the setter of "Enabled" is named apart.
-    Q_PROPERTY(bool Enabled READ Enabled WRITE putEnabled)
+    // Designer edits QWidget::enabled instead: uic would write this one through
+    // QWidget::setEnabled.
+    Q_PROPERTY(bool Enabled READ Enabled WRITE putEnabled DESIGNABLE false)
     Q_PROPERTY(QDateTime MaxDate READ MaxDate WRITE setMaxDate)
     Q_PROPERTY(QDateTime MinDate READ MinDate WRITE setMinDate)
     Q_PROPERTY(bool UpDown READ UpDown WRITE setUpDown)
-    Q_PROPERTY(qint16 YearDate READ YearDate)
-    Q_PROPERTY(qint16 MonthDate READ MonthDate)
-    Q_PROPERTY(qint16 DayOfMonth READ DayOfMonth)
-    Q_PROPERTY(qint16 DayOfWeek READ DayOfWeek)
-    Q_PROPERTY(qint16 HourDate READ HourDate)
-    Q_PROPERTY(qint16 MinuteDate READ MinuteDate)
-    Q_PROPERTY(qint16 SecondDate READ SecondDate)
+    Q_PROPERTY(qint16 YearDate READ YearDate DESIGNABLE false)
+    Q_PROPERTY(qint16 MonthDate READ MonthDate DESIGNABLE false)
+    Q_PROPERTY(qint16 DayOfMonth READ DayOfMonth DESIGNABLE false)
+    Q_PROPERTY(qint16 DayOfWeek READ DayOfWeek DESIGNABLE false)
+    Q_PROPERTY(qint16 HourDate READ HourDate DESIGNABLE false)
+    Q_PROPERTY(qint16 MinuteDate READ MinuteDate DESIGNABLE false)
+    Q_PROPERTY(qint16 SecondDate READ SecondDate DESIGNABLE false)
 
 public:
     explicit RelDate(QWidget *parent = nullptr);

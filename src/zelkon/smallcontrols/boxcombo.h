@@ -16,7 +16,8 @@ class ZELKON_EXPORT BoxCombo : public Control
 {
     Q_OBJECT
     Q_PROPERTY(QVariant InputArray READ InputArray WRITE setInputArray DESIGNABLE false)
-    Q_PROPERTY(QString StartValue READ StartValue WRITE setStartValue)
+    // Only shows its text and reads back empty, so a form could not keep it.
+    Q_PROPERTY(QString StartValue READ StartValue WRITE setStartValue DESIGNABLE false)
     Q_PROPERTY(QString Value READ Value WRITE setValue DESIGNABLE false)
     Q_PROPERTY(bool AllowAddNew READ AllowAddNew WRITE setAllowAddNew)
 

@@ -1,3 +1,4 @@
+#include <zelkon/common/conversions.h>
 #include <zelkon/common/error.h>
 #include <zelkon/common/extent_p.h>
 #include <zelkon/common/ignoreerrors_p.h>
@@ -129,6 +130,11 @@ qint16 ElapsedBut::Level() const
 void ElapsedBut::setLevel(qint16 level)
 {
     d->level = level;
+}
+
+void ElapsedBut::setLevel(int level)
+{
+    setLevel(CInt(level));
 }
 
 qint16 ElapsedBut::Names() const

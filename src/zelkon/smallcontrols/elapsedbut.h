@@ -16,11 +16,13 @@ class ZELKON_EXPORT ElapsedBut : public Control
     Q_OBJECT
     Q_PROPERTY(QString Titul READ Titul WRITE setTitul)
     Q_PROPERTY(bool Inv READ Inv WRITE setInv)
-    Q_PROPERTY(qint16 Level READ Level WRITE setLevel)
+    Q_PROPERTY(int Level READ Level WRITE setLevel)
     Q_PROPERTY(qint16 Names READ Names WRITE setNames DESIGNABLE false)
     Q_PROPERTY(QString OCXID READ OCXID WRITE setOCXID)
     // Not the shell's putEnabled: this control reports none of its puts (see below).
-    Q_PROPERTY(bool Enabled READ Enabled WRITE setEnabledState)
+    // Designer edits QWidget::enabled instead: uic would write this one through
+    // QWidget::setEnabled.
+    Q_PROPERTY(bool Enabled READ Enabled WRITE setEnabledState DESIGNABLE false)
 
 public:
     explicit ElapsedBut(QWidget *parent = nullptr);
@@ -37,6 +39,8 @@ public:
     void setInv(bool inv);
     qint16 Level() const;
     void setLevel(qint16 level);
+    // The designable form: raises the overflow error (6) outside -32768..32767.
+    void setLevel(int level);
     // -1 until the first put, when no node names exist yet.
     qint16 Names() const;
     // n > 0 keeps the names 0..n that exist and adds empty ones; 0 leaves one empty name. A
