@@ -246,7 +246,8 @@ void tst_Platform::controlsInFormLayout()
     // Every control sizes itself for a layout; the one-line ones stand as high as a line edit.
     const QStringList oneLine = {QStringLiteral("CheckCombo"),   QStringLiteral("RelDate"),
                                  QStringLiteral("NumEdit"),      QStringLiteral("BoxCombo"),
-                                 QStringLiteral("ComboListBox"), QStringLiteral("Navigator")};
+                                 QStringLiteral("ComboListBox"), QStringLiteral("Navigator"),
+                                 QStringLiteral("Down")};
     QWidget form;
     auto *layout = new QFormLayout(&form);
     auto *edit = new QLineEdit(&form);
