@@ -279,6 +279,7 @@ void tst_Designer::formRestoresDesignedValues()
         {"elapsedBut", "OCXID", QStringLiteral("relDate")},
         {"boxCombo", "AllowAddNew", true},
         {"comboListBox", "Index", 2},
+        {"down", "CaptionGroup", QStringLiteral("Several")},
     };
     QSet<QString> classes;
     for (const auto &d : designed) {

@@ -20,8 +20,8 @@ class ZELKON_EXPORT Down : public Control
     Q_PROPERTY(QString CaptionNothing READ CaptionNothing WRITE setCaptionNothing)
     Q_PROPERTY(QString CaptionGroup READ CaptionGroup WRITE setCaptionGroup)
     Q_PROPERTY(bool Redraw READ Redraw WRITE setRedraw DESIGNABLE false)
-    Q_PROPERTY(qint32 CheckedCount READ CheckedCount)
-    Q_PROPERTY(qint32 ListCount READ ListCount)
+    Q_PROPERTY(qint32 CheckedCount READ CheckedCount DESIGNABLE false)
+    Q_PROPERTY(qint32 ListCount READ ListCount DESIGNABLE false)
     // Designer edits QWidget::enabled instead: uic would write this one through
     // QWidget::setEnabled.
     Q_PROPERTY(bool Enabled READ Enabled WRITE putEnabled DESIGNABLE false)
