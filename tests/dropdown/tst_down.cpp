@@ -125,7 +125,9 @@ void tst_Down::addItem()
     }
     QTEST(down.CheckedCount(), "checkedCount");
     QTEST(down.ListCount(), "listCount");
-    LBValue *first = down.ListItem(1);
+    LBValue *first = nullptr;
+    QVERIFY(QMetaObject::invokeMethod(&down, "ListItem", Q_RETURN_ARG(zelkon::LBValue *, first),
+                                      Q_ARG(QVariant, 1)));
     QCOMPARE(first->Text(), adds.first().text);
     QCOMPARE(first->Value(),
              adds.first().arguments > 2 ? QVariant(adds.first().text.toLower()) : QVariant());
