@@ -1,8 +1,8 @@
 // Conversions under the platform's rules: rounding, overflow, locales, awkward doubles, dates.
 #include <zelkon/common/conversions.h>
 #include <zelkon/common/error.h>
-#include <zelkon/test/testplatform.h>
 #include <zelkon/common/variants.h>
+#include <zelkon/test/testplatform.h>
 
 #include <QTest>
 

@@ -5,8 +5,8 @@
 #include <zelkon/common/control.h>
 #include <zelkon/common/memorypropertybag.h>
 #include <zelkon/common/registry.h>
-#include <zelkon/test/testplatform.h>
 #include <zelkon/common/variantarray.h>
+#include <zelkon/test/testplatform.h>
 
 #include <QSqlDatabase>
 #include <QSqlQuery>

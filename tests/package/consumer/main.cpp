@@ -1,6 +1,6 @@
 // A program outside the source tree that uses the installed library by class name.
-#include <zelkon/zelkon.h>
 #include <zelkon/test/testplatform.h>
+#include <zelkon/zelkon.h>
 
 #include <QApplication>
 
