@@ -768,25 +768,22 @@ bool CheckCombo::eventFilter(QObject *watched, QEvent *event)
     return Control::eventFilter(watched, event);
 }
 
-void CheckCombo::childMouseEvent(QWidget *, QEvent::Type type, MouseArgs &args)
+void CheckCombo::childMouseEvent(QWidget *, MouseAction action, MouseArgs &args)
 {
-    switch (type) {
-    case QEvent::MouseButtonPress:
-    case QEvent::MouseButtonDblClick: {
+    switch (action) {
+    case MouseAction::Down: {
         Q_EMIT MouseDown(args.Button, args.Shift, args.X, args.Y);
         const bool closedByThisClick = d->leftAt.isValid() && d->leftAt.elapsed() < ReopenGuardMs;
         if (args.Button == LeftButtonCode && !d->listOpen && !closedByThisClick)
             d->openList();
         break;
     }
-    case QEvent::MouseButtonRelease:
+    case MouseAction::Up:
         Q_EMIT MouseUp(args.Button, args.Shift, args.X, args.Y);
         break;
-    case QEvent::MouseMove:
+    case MouseAction::Move:
         Q_EMIT MouseMove();
         Q_EMIT MouseMoveXY(args.Button, args.Shift, args.X, args.Y);
-        break;
-    default:
         break;
     }
 }

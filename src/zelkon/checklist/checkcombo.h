@@ -147,7 +147,7 @@ protected:
     QSize minimumSizeHint() const override;
     void resizeEvent(QResizeEvent *event) override;
     bool eventFilter(QObject *watched, QEvent *event) override;
-    void childMouseEvent(QWidget *child, QEvent::Type type, MouseArgs &args) override;
+    void childMouseEvent(QWidget *child, MouseAction action, MouseArgs &args) override;
 
 private:
     friend class CheckComboPrivate;

@@ -21,23 +21,29 @@ public:
     // Hands the mouse events of the children that forward them to the control; never eats one.
     bool eventFilter(QObject *watched, QEvent *event) override
     {
+        MouseAction action;
         switch (event->type()) {
         case QEvent::MouseButtonPress:
-        case QEvent::MouseButtonRelease:
         case QEvent::MouseButtonDblClick:
+            action = MouseAction::Down;
+            break;
+        case QEvent::MouseButtonRelease:
+            action = MouseAction::Up;
+            break;
         case QEvent::MouseMove:
-            if (auto *child = qobject_cast<QWidget *>(watched)) {
-                MouseArgs args = mouseArgs(static_cast<QMouseEvent *>(event));
-                const QPointer<QWidget> alive(child);
-                q->childMouseEvent(child, event->type(), args);
-                // A handler of the host may have destroyed the child: Qt must not deliver to it.
-                return alive.isNull();
-            }
+            action = MouseAction::Move;
             break;
         default:
-            break;
+            return false;
         }
-        return false;
+        auto *child = qobject_cast<QWidget *>(watched);
+        if (!child)
+            return false;
+        MouseArgs args = mouseArgs(static_cast<QMouseEvent *>(event));
+        const QPointer<QWidget> alive(child);
+        q->childMouseEvent(child, action, args);
+        // A handler of the host may have destroyed the child: Qt must not deliver to it.
+        return alive.isNull();
     }
 
     int frameWidth() const
@@ -162,7 +168,7 @@ void Control::forwardMouse(QWidget *child)
         child->installEventFilter(d.get());
 }
 
-void Control::childMouseEvent(QWidget *, QEvent::Type, MouseArgs &) { }
+void Control::childMouseEvent(QWidget *, MouseAction, MouseArgs &) { }
 
 QSize Control::lineSizeHint(int chars) const
 {

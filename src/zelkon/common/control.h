@@ -90,7 +90,24 @@ protected:
     // After forwardMouse(child), every mouse press, release, move and double click on the child
     // reaches childMouseEvent with the platform's arguments in the child's own coordinates.
     void forwardMouse(QWidget *child);
-    virtual void childMouseEvent(QWidget *child, QEvent::Type type, MouseArgs &args);
+    virtual void childMouseEvent(QWidget *child, MouseAction action, MouseArgs &args);
+    // Raises MouseDown, MouseUp or MouseMove (Button, Shift, X, Y) of a control that has these
+    // three events.
+    template<typename C>
+    static void raiseMouseEvents(C *control, MouseAction action, MouseArgs &a)
+    {
+        switch (action) {
+        case MouseAction::Down:
+            Q_EMIT control->MouseDown(a.Button, a.Shift, a.X, a.Y);
+            break;
+        case MouseAction::Up:
+            Q_EMIT control->MouseUp(a.Button, a.Shift, a.X, a.Y);
+            break;
+        case MouseAction::Move:
+            Q_EMIT control->MouseMove(a.Button, a.Shift, a.X, a.Y);
+            break;
+        }
+    }
 
     // The size of a one-line control: the height of a framed line edit in this control's font and
     // style, so that one-line controls share one height in a form layout, and the width of

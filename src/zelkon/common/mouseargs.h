@@ -5,6 +5,10 @@
 
 namespace zelkon {
 
+// What a mouse event of a child widget is to the control. The second press of a double click is
+// a Down like the first, as the platform reports it.
+enum class MouseAction { Down, Up, Move };
+
 // For a press or release the button that changed, for a move the buttons held (left 1, right 2,
 // middle 4); Shift 1, Ctrl 2, Alt 4; coordinates are the receiving widget's own.
 struct MouseArgs

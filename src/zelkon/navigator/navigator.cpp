@@ -663,22 +663,9 @@ QSize Navigator::minimumSizeHint() const
 
 // ---- events
 
-void Navigator::childMouseEvent(QWidget *, QEvent::Type type, MouseArgs &args)
+void Navigator::childMouseEvent(QWidget *, MouseAction action, MouseArgs &args)
 {
-    switch (type) {
-    case QEvent::MouseButtonPress:
-    case QEvent::MouseButtonDblClick:
-        Q_EMIT MouseDown(args.Button, args.Shift, args.X, args.Y);
-        break;
-    case QEvent::MouseButtonRelease:
-        Q_EMIT MouseUp(args.Button, args.Shift, args.X, args.Y);
-        break;
-    case QEvent::MouseMove:
-        Q_EMIT MouseMove(args.Button, args.Shift, args.X, args.Y);
-        break;
-    default:
-        break;
-    }
+    raiseMouseEvents(this, action, args);
 }
 
 bool Navigator::eventFilter(QObject *watched, QEvent *event)

@@ -84,7 +84,7 @@ Q_SIGNALS:
     void MouseDown(qint16 Button, qint16 Shift, float X, float Y);
 
 protected:
-    void childMouseEvent(QWidget *child, QEvent::Type type, MouseArgs &args) override;
+    void childMouseEvent(QWidget *child, MouseAction action, MouseArgs &args) override;
     bool eventFilter(QObject *watched, QEvent *event) override;
     void resizeEvent(QResizeEvent *event) override;
     void changeEvent(QEvent *event) override;

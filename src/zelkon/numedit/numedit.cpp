@@ -678,22 +678,9 @@ QSize NumEdit::minimumSizeHint() const
 
 // ---- events
 
-void NumEdit::childMouseEvent(QWidget *, QEvent::Type type, MouseArgs &args)
+void NumEdit::childMouseEvent(QWidget *, MouseAction action, MouseArgs &args)
 {
-    switch (type) {
-    case QEvent::MouseButtonPress:
-    case QEvent::MouseButtonDblClick:
-        Q_EMIT MouseDown(args.Button, args.Shift, args.X, args.Y);
-        break;
-    case QEvent::MouseButtonRelease:
-        Q_EMIT MouseUp(args.Button, args.Shift, args.X, args.Y);
-        break;
-    case QEvent::MouseMove:
-        Q_EMIT MouseMove(args.Button, args.Shift, args.X, args.Y);
-        break;
-    default:
-        break;
-    }
+    raiseMouseEvents(this, action, args);
 }
 
 bool NumEdit::eventFilter(QObject *watched, QEvent *event)

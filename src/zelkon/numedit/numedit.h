@@ -92,7 +92,7 @@ protected:
     // Enabled is the text box's state: a disabled field still shows its frame and its number.
     bool enabledState() const override;
     void applyEnabled(bool enabled) override;
-    void childMouseEvent(QWidget *child, QEvent::Type type, MouseArgs &args) override;
+    void childMouseEvent(QWidget *child, MouseAction action, MouseArgs &args) override;
     bool eventFilter(QObject *watched, QEvent *event) override;
     void resizeEvent(QResizeEvent *event) override;
     void hideEvent(QHideEvent *event) override;

@@ -120,7 +120,7 @@ protected:
     // The surface's state is copied to the parts, so each part shows it even where a host or
     // a style looks at the part alone.
     void applyEnabled(bool enabled) override;
-    void childMouseEvent(QWidget *child, QEvent::Type type, MouseArgs &args) override;
+    void childMouseEvent(QWidget *child, MouseAction action, MouseArgs &args) override;
     void resizeEvent(QResizeEvent *event) override;
     void showEvent(QShowEvent *event) override;
 

@@ -168,7 +168,7 @@ void RelDatePrivate::popUpMenu(const QPoint &globalPos, bool changeAfter)
 }
 
 // The parts' own arguments reach the host, with coordinates in the named part's own.
-void RelDate::childMouseEvent(QWidget *child, QEvent::Type type, MouseArgs &args)
+void RelDate::childMouseEvent(QWidget *child, MouseAction action, MouseArgs &args)
 {
     QWidget *part = d->namedChildOf(child);
     if (!part)
@@ -178,8 +178,8 @@ void RelDate::childMouseEvent(QWidget *child, QEvent::Type type, MouseArgs &args
     const QPointF at = child->mapTo(part, inChild);
     args.X = float(at.x());
     args.Y = float(at.y());
-    switch (type) {
-    case QEvent::MouseMove:
+    switch (action) {
+    case MouseAction::Move:
         // The order of the two move events differs by part, as hosts have always seen it.
         if (part == d->dateLong)
             Q_EMIT MouseMove();
@@ -187,8 +187,7 @@ void RelDate::childMouseEvent(QWidget *child, QEvent::Type type, MouseArgs &args
         if (part == d->dateView || part == d->dateLongUD)
             Q_EMIT MouseMove();
         break;
-    case QEvent::MouseButtonPress:
-    case QEvent::MouseButtonDblClick:
+    case MouseAction::Down:
         Q_EMIT MouseDown(args.Button, args.Shift, args.X, args.Y);
         if (part == d->dateLong && args.Button == RightButtonCode)
             d->popUpMenu(global, false);
@@ -198,12 +197,10 @@ void RelDate::childMouseEvent(QWidget *child, QEvent::Type type, MouseArgs &args
                 d->setDateLongText(QString::number(*days));
         }
         break;
-    case QEvent::MouseButtonRelease:
+    case MouseAction::Up:
         Q_EMIT MouseUp(args.Button, args.Shift, args.X, args.Y);
         if ((part == d->dateLongUD || part == d->dateView) && args.Button == RightButtonCode)
             d->popUpMenu(global, true);
-        break;
-    default:
         break;
     }
 }

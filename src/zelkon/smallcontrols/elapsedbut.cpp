@@ -203,24 +203,21 @@ void ElapsedBut::applyEnabled(bool enabled)
     d->title->setEnabled(enabled);
 }
 
-void ElapsedBut::childMouseEvent(QWidget *child, QEvent::Type type, MouseArgs &args)
+void ElapsedBut::childMouseEvent(QWidget *child, MouseAction action, MouseArgs &args)
 {
-    switch (type) {
-    case QEvent::MouseButtonPress:
-    case QEvent::MouseButtonDblClick: // the second press of a double click
+    switch (action) {
+    case MouseAction::Down:
         Q_EMIT MouseDown(args.Button, args.Shift, args.X, args.Y);
         break;
-    case QEvent::MouseButtonRelease:
+    case MouseAction::Up:
         Q_EMIT MouseUp(args.Button, args.Shift, args.X, args.Y);
         break;
-    case QEvent::MouseMove:
+    case MouseAction::Move:
         Q_EMIT MouseMoveXY(args.Button, args.Shift, args.X, args.Y);
         // A caption cut off by the layout can be read in full in its tool tip.
         if (child == d->title)
             d->title->setToolTip(d->title->text());
         Q_EMIT MouseMove();
-        break;
-    default:
         break;
     }
 }

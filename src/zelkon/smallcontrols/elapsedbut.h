@@ -67,7 +67,7 @@ protected:
     // Enabled reads the caption's state and applies to the button and the caption.
     bool enabledState() const override;
     void applyEnabled(bool enabled) override;
-    void childMouseEvent(QWidget *child, QEvent::Type type, MouseArgs &args) override;
+    void childMouseEvent(QWidget *child, MouseAction action, MouseArgs &args) override;
     void resizeEvent(QResizeEvent *event) override;
     void changeEvent(QEvent *event) override;
 
