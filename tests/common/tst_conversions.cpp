@@ -1,4 +1,6 @@
 // Conversions under the platform's rules: rounding, overflow, locales, awkward doubles, dates.
+#include "support/errorof.h"
+
 #include <zelkon/common/conversions.h>
 #include <zelkon/common/error.h>
 #include <zelkon/common/variants.h>
@@ -14,16 +16,6 @@ using namespace zelkon;
 namespace {
 const QLocale english(QLocale::English, QLocale::UnitedStates);
 const QLocale german(QLocale::German, QLocale::Germany);
-
-int errorOf(const std::function<void()> &f)
-{
-    try {
-        f();
-    } catch (const Error &e) {
-        return e.number();
-    }
-    return 0;
-}
 } // namespace
 
 class tst_Conversions : public QObject

@@ -1,4 +1,4 @@
-#include "errorof.h"
+#include "support/errorof.h"
 
 #include <zelkon/data/connection.h>
 #include <zelkon/data/recordset.h>

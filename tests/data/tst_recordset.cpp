@@ -1,4 +1,4 @@
-#include "errorof.h"
+#include "support/errorof.h"
 
 #include <zelkon/common/control.h>
 #include <zelkon/common/registry.h>

@@ -1,3 +1,5 @@
+#include "support/errorof.h"
+
 #include <zelkon/common/error.h>
 #include <zelkon/common/formfile.h>
 #include <zelkon/common/memorypropertybag.h>
@@ -34,18 +36,6 @@ void addByName(Down &down, const Add &add)
                                Q_ARG(QVariant, value), Q_ARG(bool, add.checked)};
     std::fill(std::begin(args) + add.arguments, std::end(args), QGenericArgument());
     QVERIFY(QMetaObject::invokeMethod(&down, "AddItem", args[0], args[1], args[2], args[3]));
-}
-
-// The platform error number a call raises; 0 when it succeeds.
-template<typename Call>
-int errorOf(Call &&call)
-{
-    try {
-        call();
-    } catch (const Error &error) {
-        return error.number();
-    }
-    return 0;
 }
 
 QString shown(const Down &down)

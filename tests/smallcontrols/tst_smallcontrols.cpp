@@ -1,3 +1,5 @@
+#include "support/errorof.h"
+
 #include <zelkon/common/error.h>
 #include <zelkon/common/memorypropertybag.h>
 #include <zelkon/common/registry.h>
@@ -51,18 +53,6 @@ QStringList rows(const Control *control)
         result << combo->itemText(row) + QLatin1Char('=')
                 + QString::number(combo->itemData(row).toInt());
     return result;
-}
-
-// The error number a call throws, 0 when it throws none.
-template<typename Call>
-int errorOf(Call &&call)
-{
-    try {
-        call();
-    } catch (const Error &error) {
-        return error.number();
-    }
-    return 0;
 }
 
 // A control created by class name on a shown, active window.
