@@ -1,6 +1,7 @@
 #include "zelkontaskmenu.h"
 
 #include <zelkon/common/propertypage.h>
+#include <zelkon/common/strings_p.h>
 
 #include <QAction>
 #include <QDialog>
@@ -34,7 +35,7 @@ ZelkonTaskMenu::ZelkonTaskMenu(QWidget *control, const QString &pageName, QObjec
     : QObject(parent)
     , m_control(control)
     , m_pageName(pageName)
-    , m_edit(new QAction(tr("Edit Properties..."), this))
+    , m_edit(new QAction(zelkon::loadString("designerEditProperties"), this))
 {
     connect(m_edit, &QAction::triggered, this, &ZelkonTaskMenu::editProperties);
 }
@@ -64,7 +65,8 @@ void ZelkonTaskMenu::editProperties()
     if (!m_control)
         return;
     QDialog dialog(m_control->window());
-    dialog.setWindowTitle(tr("%1 Properties").arg(m_control->objectName()));
+    dialog.setWindowTitle(
+        zelkon::loadString("designerPropertiesTitle").arg(m_control->objectName()));
     zelkon::PropertyPage *page = zelkon::createPropertyPage(m_pageName, &dialog);
     if (!page)
         return;

@@ -4,6 +4,7 @@
 
 #include <zelkon/common/control.h>
 #include <zelkon/common/registry.h>
+#include <zelkon/common/strings_p.h>
 
 #include <QIcon>
 #include <QtDesigner/QExtensionManager>
@@ -47,7 +48,7 @@ QString ZelkonWidgetPlugin::group() const
 
 QString ZelkonWidgetPlugin::toolTip() const
 {
-    return tr("Zelkon %1 filter control").arg(m_className);
+    return zelkon::loadString("designerToolTip").arg(m_className);
 }
 
 QString ZelkonWidgetPlugin::whatsThis() const

@@ -8,8 +8,10 @@
 #include <zelkon/common/version.h>
 #include <zelkon/test/testplatform.h>
 
+#include <QDirIterator>
 #include <QFormLayout>
 #include <QLineEdit>
+#include <QRegularExpression>
 #include <QSignalSpy>
 #include <QStyle>
 #include <QTest>
@@ -27,6 +29,8 @@ class tst_Platform : public QObject
 private Q_SLOTS:
     void strings_data();
     void strings();
+    void namedStrings_data();
+    void namedStrings();
     void versionArray();
     void registry();
     void testPlatformPinsAndRecords();
@@ -82,6 +86,41 @@ void tst_Platform::strings()
     QCOMPARE(hasString(id, lang), own);
     TestPlatform platform(QDate(2024, 5, 10), QLocale::c(), lang);
     QCOMPARE(loadString(id), text);
+}
+
+// Every text the sources ask for by name must be in all three tables: a name one table lacks
+// shows English to that language's users, and one that English lacks shows nothing.
+void tst_Platform::namedStrings_data()
+{
+    QTest::addColumn<int>("language");
+    QTest::newRow("en") << int(QLocale::English);
+    QTest::newRow("ru") << int(QLocale::Russian);
+    QTest::newRow("de") << int(QLocale::German);
+}
+
+void tst_Platform::namedStrings()
+{
+    QFETCH(int, language);
+    const QRegularExpression call(QStringLiteral(R"re(loadString\("(\w+)")re"));
+    QDirIterator sources(QStringLiteral(ZELKON_SOURCE_DIR), {QStringLiteral("*.cpp")}, QDir::Files,
+                         QDirIterator::Subdirectories);
+    QStringList names;
+    while (sources.hasNext()) {
+        QFile file(sources.next());
+        QVERIFY(file.open(QIODevice::ReadOnly));
+        for (const auto &match : call.globalMatch(QString::fromUtf8(file.readAll())))
+            names << match.captured(1);
+    }
+    QVERIFY(names.size() > 20);
+    for (const QString &name : std::as_const(names))
+        QVERIFY2(hasString(name.toLatin1().constData(), QLocale::Language(language)),
+                 qPrintable(name));
+
+    // Given a Russian user, when a control is made, then its texts are the Russian ones.
+    TestPlatform platform(QDate(2024, 5, 10), QLocale::c(), QLocale::Russian);
+    UpDown spinner;
+    QCOMPARE(spinner.findChild<QToolButton *>(QStringLiteral("up"))->accessibleName(),
+             QStringLiteral("Увеличить"));
 }
 
 void tst_Platform::versionArray()

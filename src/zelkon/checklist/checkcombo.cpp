@@ -9,6 +9,7 @@
 #include <zelkon/common/keycodes_p.h>
 #include <zelkon/common/propertybag.h>
 #include <zelkon/common/registry.h>
+#include <zelkon/common/strings_p.h>
 #include <zelkon/common/variants.h>
 #include <zelkon/data/recordsetaccess_p.h>
 
@@ -408,9 +409,8 @@ void CheckCombo::setAccessibleName(const QString &name)
 void CheckComboPrivate::syncAccessibleNames()
 {
     const QString name = q->accessibleName();
-    text->setAccessibleName(name.isEmpty() ? CheckCombo::tr("Filter") : name);
-    button->setAccessibleName(listOpen ? CheckCombo::tr("Close list")
-                                       : CheckCombo::tr("Open list"));
+    text->setAccessibleName(name.isEmpty() ? loadString("filter") : name);
+    button->setAccessibleName(listOpen ? loadString("closeList") : loadString("openList"));
 }
 
 void CheckComboPrivate::setFieldText(const QString &value)

@@ -89,9 +89,9 @@ frmList::frmList(QWidget *parent)
     }
     m_views[0]->setModel(m_model);
     m_views[1]->hide();
-    setAccessibleName(tr("Filter list"));
-    m_views[0]->setAccessibleName(tr("Rows"));
-    m_views[1]->setAccessibleName(tr("Rows, sorted"));
+    setAccessibleName(loadString("filterList"));
+    m_views[0]->setAccessibleName(loadString("rows"));
+    m_views[1]->setAccessibleName(loadString("rowsSorted"));
 
     m_timer = new QTimer(this);
     m_timer->setObjectName(QStringLiteral("Timer"));

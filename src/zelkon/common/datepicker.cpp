@@ -2,6 +2,7 @@
 #include <zelkon/common/error.h>
 #include <zelkon/common/keycodes_p.h>
 #include <zelkon/common/platform.h>
+#include <zelkon/common/strings_p.h>
 #include <zelkon/common/variants.h>
 
 #include <QApplication>
@@ -218,9 +219,10 @@ void DatePicker::updateAccessibleNames()
     const QString name = accessibleName();
     const QString description
         = accessibleDescription().isEmpty() ? toolTip() : accessibleDescription();
-    d->edit->setAccessibleName(name.isEmpty() ? tr("Date") : name);
+    d->edit->setAccessibleName(name.isEmpty() ? loadString("date") : name);
     d->edit->setAccessibleDescription(description);
-    d->all->setAccessibleName(name.isEmpty() ? tr("Any date") : tr("%1: any date").arg(name));
+    d->all->setAccessibleName(name.isEmpty() ? loadString("anyDate")
+                                             : loadString("namedAnyDate").arg(name));
     d->all->setAccessibleDescription(description);
 }
 

@@ -10,7 +10,8 @@ namespace zelkon {
 
 namespace {
 
-using Table = QHash<int, QString>;
+// Keyed by the JSON key as written: an id's decimal digits or a name.
+using Table = QHash<QString, QString>;
 
 Table loadTable(const QString &code)
 {
@@ -19,12 +20,8 @@ Table loadTable(const QString &code)
     if (!file.open(QIODevice::ReadOnly))
         return table;
     const QJsonObject object = QJsonDocument::fromJson(file.readAll()).object();
-    for (auto it = object.begin(); it != object.end(); ++it) {
-        bool ok = false;
-        const int id = it.key().toInt(&ok);
-        if (ok)
-            table.insert(id, it.value().toString());
-    }
+    for (auto it = object.begin(); it != object.end(); ++it)
+        table.insert(it.key(), it.value().toString());
     return table;
 }
 
@@ -45,27 +42,52 @@ const Table *tableFor(QLocale::Language language)
     }
 }
 
+QString lookup(const QString &key, QLocale::Language language)
+{
+    if (const Table *table = tableFor(language)) {
+        const auto it = table->constFind(key);
+        if (it != table->constEnd())
+            return *it;
+    }
+    return tableFor(QLocale::English)->value(key);
+}
+
+bool contains(const QString &key, QLocale::Language language)
+{
+    const Table *table = tableFor(language);
+    return table && table->contains(key);
+}
+
 } // namespace
 
 QString loadString(int id)
 {
-    return loadString(id, Platform::current().uiLanguage());
+    return lookup(QString::number(id), Platform::current().uiLanguage());
 }
 
 QString loadString(int id, QLocale::Language language)
 {
-    if (const Table *table = tableFor(language)) {
-        const auto it = table->constFind(id);
-        if (it != table->constEnd())
-            return *it;
-    }
-    return tableFor(QLocale::English)->value(id);
+    return lookup(QString::number(id), language);
 }
 
 bool hasString(int id, QLocale::Language language)
 {
-    const Table *table = tableFor(language);
-    return table && table->contains(id);
+    return contains(QString::number(id), language);
+}
+
+QString loadString(const char *name)
+{
+    return lookup(QLatin1String(name), Platform::current().uiLanguage());
+}
+
+QString loadString(const char *name, QLocale::Language language)
+{
+    return lookup(QLatin1String(name), language);
+}
+
+bool hasString(const char *name, QLocale::Language language)
+{
+    return contains(QLatin1String(name), language);
 }
 
 } // namespace zelkon

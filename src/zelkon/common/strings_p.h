@@ -1,4 +1,4 @@
-// The string tables: user-visible texts by id in English, Russian and German.
+// The string tables: user-visible texts by id or by name in English, Russian and German.
 #pragma once
 
 #include <zelkon/common/global.h>
@@ -14,5 +14,11 @@ QString loadString(int id);
 QString loadString(int id, QLocale::Language language);
 // Whether the language's own table holds the id (no fallback).
 bool hasString(int id, QLocale::Language language);
+
+// The same by name, for the texts that have no numeric id (accessible names, dialog titles); the
+// names are plain ASCII keys of the same tables.
+QString loadString(const char *name);
+QString loadString(const char *name, QLocale::Language language);
+bool hasString(const char *name, QLocale::Language language);
 
 } // namespace zelkon

@@ -1,3 +1,4 @@
+#include <zelkon/common/strings_p.h>
 #include <zelkon/common/updown.h>
 
 #include <QKeyEvent>
@@ -47,8 +48,8 @@ UpDown::UpDown(QWidget *parent)
     d->down->setObjectName(QStringLiteral("down"));
     d->up->setArrowType(Qt::UpArrow);
     d->down->setArrowType(Qt::DownArrow);
-    d->up->setAccessibleName(tr("Increase"));
-    d->down->setAccessibleName(tr("Decrease"));
+    d->up->setAccessibleName(loadString("increase"));
+    d->down->setAccessibleName(loadString("decrease"));
     connect(d->up, &QToolButton::clicked, this, [this] {
         stepUp();
         Q_EMIT UpClick();

@@ -4,6 +4,7 @@
 #include <zelkon/common/keycodes_p.h>
 #include <zelkon/common/propertybag.h>
 #include <zelkon/common/registry.h>
+#include <zelkon/common/strings_p.h>
 #include <zelkon/navigator/lookup_p.h>
 #include <zelkon/navigator/navigator.h>
 
@@ -354,7 +355,7 @@ Navigator::Navigator(QWidget *parent)
     , d(std::make_unique<NavigatorPrivate>(this))
 {
     d->text1->setObjectName(QStringLiteral("Text1"));
-    d->text1->setAccessibleName(tr("Lookup text"));
+    d->text1->setAccessibleName(loadString("lookupText"));
     d->text1->setMouseTracking(true); // mouse moves are reported without a button held
     d->text1->installEventFilter(this);
     forwardMouse(d->text1);
@@ -363,7 +364,7 @@ Navigator::Navigator(QWidget *parent)
     setSizePolicy(QSizePolicy::Preferred, QSizePolicy::Fixed);
 
     d->list1->setObjectName(QStringLiteral("List1"));
-    d->list1->setAccessibleName(tr("Lookup list"));
+    d->list1->setAccessibleName(loadString("lookupList"));
     d->list1->setModel(d->model);
     d->list1->setEditTriggers(QAbstractItemView::NoEditTriggers);
     d->list1->setSelectionMode(QAbstractItemView::SingleSelection);

@@ -6,6 +6,7 @@
 #include <zelkon/common/platform.h>
 #include <zelkon/common/propertybag.h>
 #include <zelkon/common/registry.h>
+#include <zelkon/common/strings_p.h>
 #include <zelkon/common/updown.h>
 #include <zelkon/numedit/displayformat_p.h>
 #include <zelkon/numedit/numedit.h>
@@ -337,7 +338,7 @@ NumEdit::NumEdit(QWidget *parent)
     , d(std::make_unique<NumEditPrivate>(this))
 {
     d->text->setObjectName(QStringLiteral("Text1"));
-    d->text->setAccessibleName(tr("Number"));
+    d->text->setAccessibleName(loadString("number"));
     d->text->setFrame(false);
     d->text->setMouseTracking(true); // mouse moves are reported without a button held
     d->text->installEventFilter(this);
@@ -348,7 +349,7 @@ NumEdit::NumEdit(QWidget *parent)
     // Hosts find the spinner by name, but nothing steps it and the layout gives it no place, so it
     // stays out of sight.
     d->upDown->setObjectName(QStringLiteral("UpDown"));
-    d->upDown->setAccessibleName(tr("Spinner"));
+    d->upDown->setAccessibleName(loadString("spinner"));
     d->upDown->hide();
 
     d->focusTimer->setObjectName(QStringLiteral("tmFocus"));

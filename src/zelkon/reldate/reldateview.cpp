@@ -159,14 +159,14 @@ void RelDatePrivate::updateAccessibleNames()
     // parts, so that a screen reader tells apart the "from" and "to" fields of one form.
     const QString host = q->accessibleName();
     const auto named = [&host](const QString &part) {
-        return host.isEmpty() ? part : RelDate::tr("%1: %2").arg(host, part);
+        return host.isEmpty() ? part : loadString("namedPart").arg(host, part);
     };
-    dateView->setAccessibleName(host.isEmpty() ? RelDate::tr("Date") : host);
+    dateView->setAccessibleName(host.isEmpty() ? loadString("date") : host);
     dateView->setAccessibleDescription(loadString(201));
     dateView->updateAccessibleNames();
-    dateLong->setAccessibleName(named(RelDate::tr("Days from today")));
+    dateLong->setAccessibleName(named(loadString("daysFromToday")));
     dateLong->setAccessibleDescription(loadString(202));
-    dateLongUD->setAccessibleName(named(RelDate::tr("Step days from today")));
+    dateLongUD->setAccessibleName(named(loadString("stepDaysFromToday")));
     dateLongUD->setAccessibleDescription(loadString(202));
     chRel->setAccessibleName(named(loadString(207)));
 }

@@ -4,6 +4,7 @@
 #include <zelkon/common/keycodes_p.h>
 #include <zelkon/common/propertybag.h>
 #include <zelkon/common/registry.h>
+#include <zelkon/common/strings_p.h>
 #include <zelkon/common/variants.h>
 #include <zelkon/smallcontrols/boxcombo.h>
 #include <zelkon/smallcontrols/inputarray_p.h>
@@ -89,7 +90,7 @@ BoxCombo::BoxCombo(QWidget *parent)
     , d(std::make_unique<BoxComboPrivate>(this))
 {
     d->combo->setObjectName(QStringLiteral("Combo"));
-    d->combo->setAccessibleName(tr("Entry"));
+    d->combo->setAccessibleName(loadString("entry"));
     d->combo->setEditable(true);
     // Entries are added by the Enter rule alone, and typing is never completed from the list.
     d->combo->setInsertPolicy(QComboBox::NoInsert);

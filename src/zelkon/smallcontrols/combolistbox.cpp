@@ -2,6 +2,7 @@
 #include <zelkon/common/extent_p.h>
 #include <zelkon/common/ignoreerrors_p.h>
 #include <zelkon/common/registry.h>
+#include <zelkon/common/strings_p.h>
 #include <zelkon/common/variants.h>
 #include <zelkon/smallcontrols/combolistbox.h>
 #include <zelkon/smallcontrols/inputarray_p.h>
@@ -39,7 +40,7 @@ ComboListBox::ComboListBox(QWidget *parent)
     , d(std::make_unique<ComboListBoxPrivate>(this))
 {
     d->list->setObjectName(QStringLiteral("Combo_List"));
-    d->list->setAccessibleName(tr("List"));
+    d->list->setAccessibleName(loadString("list"));
     setFocusProxy(d->list);
     setFocusPolicy(d->list->focusPolicy());
     setSizePolicy(QSizePolicy::Preferred, QSizePolicy::Fixed);

@@ -3,6 +3,7 @@
 #include <zelkon/common/extent_p.h>
 #include <zelkon/common/ignoreerrors_p.h>
 #include <zelkon/common/registry.h>
+#include <zelkon/common/strings_p.h>
 #include <zelkon/smallcontrols/elapsedbut.h>
 
 #include <QLabel>
@@ -69,7 +70,7 @@ ElapsedBut::ElapsedBut(QWidget *parent)
     , d(std::make_unique<ElapsedButPrivate>(this))
 {
     d->button->setObjectName(QStringLiteral("btnEllaps"));
-    d->button->setAccessibleName(tr("Title button"));
+    d->button->setAccessibleName(loadString("titleButton"));
     d->title->setObjectName(QStringLiteral("Title"));
     // Only the family is set, so size and style still follow the control's font.
     QFont arial;
