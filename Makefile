@@ -5,7 +5,7 @@ BENCH_BUILD ?= build-bench
 JOBS      ?= $(shell nproc)
 CMAKE_FLAGS ?=
 
-.PHONY: all deps configure build demo test sanitize bench install format clean
+.PHONY: all deps configure build demo test sanitize bench install format clean package pictures
 
 all: build
 
@@ -45,3 +45,11 @@ format:
 
 clean:
 	rm -rf $(BUILD) $(SAN_BUILD) $(BENCH_BUILD)
+
+# Debian packages (libzelkon2, libzelkon-dev, zelkon-designer-plugin) in $(BUILD)/packages.
+package: build
+	cd $(BUILD) && cpack -G DEB
+
+# The pictures of the controls in docs/images, in English and in Russian.
+pictures: build
+	@scripts/make-pictures.sh $(BUILD)
