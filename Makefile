@@ -51,5 +51,5 @@ package: build
 	cd $(BUILD) && cpack -G DEB
 
 # The pictures of the controls in docs/images, in English and in Russian.
-pictures: build
-	@scripts/make-pictures.sh $(BUILD)
+pictures: configure
+	@scripts/make-pictures.sh $(BUILD) $(JOBS)
