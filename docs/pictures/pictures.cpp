@@ -23,6 +23,7 @@
 #include <QLabel>
 #include <QLineEdit>
 #include <QPainter>
+#include <QPushButton>
 #include <QSqlQuery>
 #include <QTest>
 
@@ -243,6 +244,8 @@ void smallControls(Form &form, const Texts &t)
 {
     auto *title = form.add<zelkon::ElapsedBut>(QString(), 0);
     title->setTitul(t.title);
+    // The host draws what the button means; here, as in the demo, an open panel's triangle.
+    part<QPushButton>(title, "btnEllaps")->setText(QChar(0x25BE));
     auto *sortBy = form.add<zelkon::ComboListBox>(t.sortLabel, 1);
     sortBy->setInputArray(inputArray(t.sortBy));
     sortBy->setValueID(3);
