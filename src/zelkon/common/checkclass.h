@@ -1,4 +1,5 @@
-// zelkon::CheckClass: an empty public class, created by name.
+/// \file
+/// zelkon::CheckClass: an empty public class, created by name.
 #pragma once
 
 #include <zelkon/common/global.h>
@@ -7,10 +8,13 @@
 
 namespace zelkon {
 
+/// An object with no members, created by name ("CheckClass"): a host tests with it that the library
+/// is installed and registered.
 class ZELKON_EXPORT CheckClass : public QObject
 {
     Q_OBJECT
 public:
+    /// An object with no members.
     Q_INVOKABLE explicit CheckClass(QObject *parent = nullptr);
 };
 
