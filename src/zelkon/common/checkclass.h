@@ -8,8 +8,8 @@
 
 namespace zelkon {
 
-/// An object with no members, created by name ("CheckClass"): a host tests with it that the library
-/// is installed and registered.
+/// A public class with no members, created by name ("CheckClass"); kept so that hosts that
+/// create it still find it.
 class ZELKON_EXPORT CheckClass : public QObject
 {
     Q_OBJECT

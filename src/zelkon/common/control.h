@@ -29,7 +29,7 @@ class ZELKON_EXPORT Control : public QWidget
     Q_PROPERTY(qint32 hWnd READ hWnd DESIGNABLE false)
 
 public:
-    /// A control in run mode with index 0.
+    /// A control in run mode, in no control array (Index -1).
     explicit Control(QWidget *parent = nullptr);
     ~Control() override;
 
@@ -47,7 +47,8 @@ public:
     void setUserMode(bool runMode);
     ///@}
     ///@{
-    /// The control's index in a control array of its form (several controls of one name).
+    /// The control's index in a control array of its form (several controls of one name); -1
+    /// when it is in none.
     int Index() const;
     void setIndex(int index);
     ///@}

@@ -106,9 +106,9 @@ Q_SIGNALS:
     void KeyDown(qint16 &KeyCode, qint16 &Shift);
 
 protected:
-    /// Names the parts for accessibility on show and focus.
+    /// Names the parts for accessibility on show and on a new tool tip.
     bool event(QEvent *event) override;
-    /// Forwards the clicks and keys of the parts as Click and KeyDown.
+    /// Raises DropDown, CloseUp, Click and KeyDown from the parts; names them on focus.
     bool eventFilter(QObject *watched, QEvent *event) override;
     /// Lays the date edit and the word All out.
     void resizeEvent(QResizeEvent *event) override;

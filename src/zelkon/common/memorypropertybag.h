@@ -29,7 +29,8 @@ public:
 
     /// The value saved under `name`, or `defaultValue` when none is.
     QVariant ReadProperty(const QString &name, const QVariant &defaultValue = {}) const override;
-    /// "Equal" is the platform's comparison (looselyEquals): 0 and 0.0 are the same default.
+    /// Stores `value` under `name`, or forgets it when it equals `defaultValue`. "Equal" is the
+    /// platform's comparison (looselyEquals): 0 and 0.0 are the same default.
     void WriteProperty(const QString &name, const QVariant &value,
                        const QVariant &defaultValue = {}) override;
 

@@ -18,7 +18,8 @@ public:
     virtual ~PropertyBag() = default;
     /// The value saved under `name` (names compare exactly), or `defaultValue` when none is.
     virtual QVariant ReadProperty(const QString &name, const QVariant &defaultValue = {}) const = 0;
-    /// Keeps nothing when value equals defaultValue (and forgets an older value under that name).
+    /// Stores `value` under `name`. Keeps nothing when value equals defaultValue (and forgets an
+    /// older value under that name).
     virtual void WriteProperty(const QString &name, const QVariant &value,
                                const QVariant &defaultValue = {})
         = 0;

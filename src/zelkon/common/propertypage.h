@@ -51,9 +51,10 @@ Q_SIGNALS:
 protected:
     /// What a failing write does to the rest of an apply.
     enum class OnError {
-        Stop, ///< the error is shown to the designer, the rest is not written, the page stays
-              ///< changed
-        Continue, ///< the error is dropped and the next write still runs
+        /// The error is shown to the designer, the rest is not written, the page stays changed.
+        Stop,
+        /// The error is dropped and the next write still runs.
+        Continue,
     };
 
     /// The control the page reads and writes; nullptr without a selection. A multiple selection

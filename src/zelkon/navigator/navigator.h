@@ -49,12 +49,15 @@ public:
     void WriteProperties(PropertyBag &bag) override;
 
     ///@{
+    /// The text in the text box; a put searches it like typed text and raises ContextChange.
     /// Not const: reading a non-empty text searches it again (selection and colour follow).
     QString Text();
     void setText(const QString &text);
     ///@}
     ///@{
-    /// The object given last (an invalid QVariant when none).
+    /// The recordset the list is filled from at once, kept by reference; Empty clears it. Reads
+    /// back the object given last (an invalid QVariant when none). The spelling is the one hosts
+    /// use.
     QVariant DataSourthe() const;
     void setDataSourthe(const QVariant &source);
     ///@}
@@ -71,7 +74,8 @@ public:
     /// The designable form: raises the overflow error (6) outside -32768..32767.
     void setListLine(int lines);
     ///@{
-    /// Upper case: turning it on changes the current text at once, keeping the caret.
+    /// Upper case for typed text; turning it on changes the current text at once, keeping the
+    /// caret.
     bool AllCaps() const;
     void setAllCaps(bool allCaps);
     ///@}
@@ -93,7 +97,9 @@ public:
     void setFieldInd(qint32 index);
     ///@}
     ///@{
-    /// Not const: both directions look the record up in the recordset.
+    /// The FieldInd2 value of the record whose FieldInd value is Text (empty when none is); a put
+    /// shows the FieldInd value of the record whose FieldInd2 value it is. Not const: both
+    /// directions look the record up in the recordset.
     QString Text2();
     void setText2(const QString &text);
     ///@}
