@@ -117,7 +117,8 @@ public:
     void setSingleCheck(bool single);
     ///@}
     ///@{
-    /// Whether the drop-down offers "Select All" (the property page's "Enable Select All").
+    /// A flag stored and saved with the form for the host (the property page's "Enable Select
+    /// All"); the drop-down's menu offers "Select All" whenever SingleCheck is off.
     bool AllSelect() const;
     void setAllSelect(bool allSelect);
     ///@}
