@@ -5,7 +5,7 @@ BENCH_BUILD ?= build-bench
 JOBS      ?= $(shell nproc)
 CMAKE_FLAGS ?=
 
-.PHONY: all deps configure build demo test sanitize bench install format clean package pictures
+.PHONY: all deps configure build demo test sanitize bench install format clean package pictures docs
 
 all: build
 
@@ -39,6 +39,11 @@ bench: deps
 
 install: build
 	cmake --install $(BUILD)
+
+# The API reference, from the public headers, in $(BUILD)/docs/html/index.html. An undocumented
+# public class or member fails it.
+docs: configure
+	cmake --build $(BUILD) --target docs
 
 format:
 	git ls-files '*.cpp' '*.h' | xargs clang-format -i

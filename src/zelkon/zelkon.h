@@ -1,6 +1,7 @@
-// Zelkon: Qt widgets for building the filters of queries and reports.
-// This header brings the public contract: controls by name, property bags, the platform services,
-// values, errors, conversions and form files. Each control has its own header besides.
+/// \file
+/// Zelkon: Qt widgets for building the filters of queries and reports.
+/// This header brings the public contract: controls by name, property bags, the platform services,
+/// values, errors, conversions and form files. Each control has its own header besides.
 #pragma once
 
 #include <zelkon/common/checkclass.h>
@@ -17,3 +18,6 @@
 #include <zelkon/common/variantarray.h>
 #include <zelkon/common/variants.h>
 #include <zelkon/common/version.h>
+
+/// \namespace zelkon
+/// The controls, their values and errors, the platform services, form files and data access.

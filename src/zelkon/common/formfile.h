@@ -1,4 +1,5 @@
-// Form files: a host saves a whole form of controls and loads it back.
+/// \file
+/// Form files: a host saves a whole form of controls and loads it back.
 #pragma once
 
 #include <zelkon/common/global.h>
@@ -12,12 +13,12 @@ namespace zelkon {
 
 class Control;
 
-// Stores each Control child of `form` (class, name, Index, geometry and the property bag written
-// by WriteProperties). Saving is atomic: a failed save leaves an older file as it was.
+/// Stores each Control child of `form` (class, name, Index, geometry and the property bag written
+/// by WriteProperties). Saving is atomic: a failed save leaves an older file as it was.
 ZELKON_EXPORT void saveForm(const QWidget &form, const QString &path);
-// Creates the saved controls as children of `form` and calls ReadProperties on each. A damaged
-// or foreign file throws zelkon::Error naming the file and the place of the fault, and leaves
-// `form` as it was.
+/// Creates the saved controls as children of `form` and calls ReadProperties on each. A damaged
+/// or foreign file throws zelkon::Error naming the file and the place of the fault, and leaves
+/// `form` as it was.
 ZELKON_EXPORT QList<Control *> loadForm(QWidget &form, const QString &path);
 
 } // namespace zelkon

@@ -1,4 +1,5 @@
-// zelkon::Missing: the value of an optional argument that the caller left out.
+/// \file
+/// zelkon::Missing: the value of an optional argument that the caller left out.
 #pragma once
 
 #include <zelkon/common/global.h>
@@ -7,8 +8,11 @@
 
 namespace zelkon {
 
+/// The value of an optional argument that the caller left out: a QVariant holding Missing
+/// (missingVariant()) tells a member to use its default.
 struct Missing
 {
+    /// All Missing values are alike.
     friend constexpr bool operator==(Missing, Missing) noexcept { return true; }
 };
 
