@@ -384,20 +384,20 @@ private Q_SLOTS:
 
     void listLines()
     {
-        // Given ListLine, then a data source and a font
+        // Given ListLine, then a data source, an open list and a font
         QFETCH(int, lines);
         QFETCH(QString, family);
         QFETCH(int, points);
         Form form;
         QVERIFY(form.nav->setProperty("ListLine", lines));
         const auto rs = bind(form);
+        QVERIFY(form.show());
+        form.enter();
         if (points) {
             form.nav->setProperty("FontName", family);
             form.nav->setProperty("FontSize", points);
         }
-        // When the list opens, then exactly that many whole lines show, and ListLine reads back
-        QVERIFY(form.show());
-        form.enter();
+        // Then exactly that many whole lines show, and ListLine reads back
         const QRect first = form.list1->visualRect(form.list1->model()->index(0, 0));
         QCOMPARE(form.list1->viewport()->height(), lines * first.height());
         QCOMPARE(form.nav->property("ListLine").toInt(), lines);
