@@ -1,5 +1,6 @@
 #include "support/backends.h"
 #include "support/errorof.h"
+#include "support/hostrecordset.h"
 
 #include <zelkon/common/control.h>
 #include <zelkon/common/registry.h>
@@ -18,28 +19,6 @@
 #include <memory>
 
 using namespace zelkon;
-
-// A host's own recordset class: it answers by member name only, with argument types of its own
-// and the fields reachable only through the Fields collection.
-class HostRecordset : public QObject
-{
-    Q_OBJECT
-    Q_PROPERTY(bool EOF READ eof)
-    Q_PROPERTY(int AbsolutePosition READ position)
-    Q_PROPERTY(bool NoMatch READ noMatch)
-    Q_PROPERTY(QObject *Fields READ fields)
-public:
-    Recordset r;
-    Q_INVOKABLE void MoveFirst() { r.MoveFirst(); }
-    Q_INVOKABLE void MoveLast() { r.MoveLast(); }
-    Q_INVOKABLE void MoveNext() { r.MoveNext(); }
-    Q_INVOKABLE void Find(QString c, int skip, int dir, int start) { r.Find(c, skip, dir, start); }
-    Q_INVOKABLE void FindFirst(QString c) { r.FindFirst(c); }
-    bool eof() const { return r.atEOF(); }
-    int position() const { return r.absolutePosition(); }
-    bool noMatch() const { return r.noMatch(); }
-    QObject *fields() { return r.fieldsObject(); }
-};
 
 // Every case runs on a SQLite file and on the PostgreSQL server that ZELKON_TEST_PG names; both
 // hold the same table of five people.

@@ -23,8 +23,6 @@ ZELKON_REGISTER_CONTROL(Navigator);
 
 namespace {
 
-// The list's frame: four pixels of its height are not lines.
-constexpr int listFrame = 4;
 constexpr int defaultListLines = 4;
 constexpr int hintChars = 20;
 constexpr int minimumHintChars = 4;
@@ -52,6 +50,7 @@ public:
     bool isClosed() const { return text1->height() == q->height(); }
     bool hasFocusInside() const;
     int lineHeight() const;
+    int listFrame() const;
     void applyListHeight();
     void layoutChildren();
     void resizeTo(int height);
@@ -139,6 +138,7 @@ void NavigatorPrivate::FillList()
     model->setStringList(lines);
     searching = wasSearching;
     indexLines(lines); // now, so that filling costs what it costs, not the first keystroke
+    applyListHeight(); // the lines are now the list's own, which may be of another height
     SearchText();
 }
 
@@ -239,7 +239,10 @@ void NavigatorPrivate::layoutChildren()
 
 int NavigatorPrivate::lineHeight() const
 {
-    // The height the list gives one line of text in its font and style.
+    // The height of the list's first line, as the list lays it out; before it has one, the height
+    // the style gives one line of text in the list's font.
+    if (model->rowCount() > 0)
+        return qMax(1, list1->sizeHintForRow(0));
     QStyleOptionViewItem option;
     option.initFrom(list1);
     option.font = list1->font();
@@ -251,13 +254,25 @@ int NavigatorPrivate::lineHeight() const
     return qMax(1, size.height());
 }
 
+int NavigatorPrivate::listFrame() const
+{
+    // The part of the list's height that is not lines: its frame, above and below.
+    return 2 * list1->frameWidth();
+}
+
 void NavigatorPrivate::applyListHeight()
 {
-    listHeight = listLines * lineHeight() + listFrame;
-    if (open)
-        resizeTo(textHeight + listHeight);
-    else
+    listHeight = listLines * lineHeight() + listFrame();
+    if (!open) {
         layoutChildren();
+        return;
+    }
+    // A list open upward grows or shrinks at its top: the text box keeps its place on the form.
+    if (openedUpward && movedBy != listHeight) {
+        q->move(q->x(), q->y() - (listHeight - movedBy));
+        movedBy = listHeight;
+    }
+    resizeTo(textHeight + listHeight);
 }
 
 // ---- user input
@@ -508,7 +523,7 @@ void Navigator::setLockEdits(bool locked)
 
 qint16 Navigator::ListLine() const
 {
-    return qint16((d->listHeight - listFrame) / d->lineHeight());
+    return qint16((d->listHeight - d->listFrame()) / d->lineHeight());
 }
 
 void Navigator::setListLine(qint16 lines)
