@@ -7,10 +7,15 @@
 #include <zelkon/dropdown/down.h>
 #include <zelkon/dropdown/lbvalue.h>
 
+#include <QAbstractItemView>
 #include <QComboBox>
+#include <QCursor>
+#include <QLabel>
+#include <QListWidget>
 #include <QSignalSpy>
 #include <QTemporaryDir>
 #include <QTest>
+#include <QVBoxLayout>
 
 #include <algorithm>
 #include <iterator>
@@ -43,6 +48,77 @@ QString shown(const Down &down)
     return down.findChild<QComboBox *>(u"txt"_s)->currentText();
 }
 
+QListWidget *popupList(const Down &down)
+{
+    // A closed pop-up lingers, hidden, until the event loop deletes it.
+    for (auto *form : down.findChildren<QWidget *>(u"DownForm"_s)) {
+        if (form->isVisible())
+            return form->findChild<QListWidget *>(u"lst"_s);
+    }
+    return nullptr;
+}
+
+// Counts the events of one type that reach a watched object past the filters installed after it.
+class EventCount : public QObject
+{
+public:
+    EventCount(QObject *watched, QEvent::Type type)
+        : m_type(type)
+    {
+        watched->installEventFilter(this);
+    }
+    int count = 0;
+
+protected:
+    bool eventFilter(QObject *, QEvent *event) override
+    {
+        if (event->type() == m_type)
+            ++count;
+        return false;
+    }
+
+private:
+    QEvent::Type m_type;
+};
+
+// A run-mode Down on a shown form, `offset` inside a container on that form.
+struct Host
+{
+    explicit Host(const QPoint &offset = {})
+    {
+        form.resize(400, 300);
+        box = new QWidget(&form);
+        box->setGeometry(QRect(offset, QSize(300, 80)));
+        down = qobject_cast<Down *>(createControl(u"Down"_s, box));
+        down->setGeometry(10, 20, 200, down->sizeHint().height());
+        MemoryPropertyBag bag;
+        down->ReadProperties(bag);
+        deactivations = std::make_unique<EventCount>(&form, QEvent::WindowDeactivate);
+        QObject::connect(down, &Down::OnClose, &form, [this] { ++closes; });
+        form.show();
+        form.activateWindow();
+    }
+    bool open()
+    {
+        QTest::mouseClick(down->findChild<QComboBox *>(u"txt"_s), Qt::LeftButton);
+        return popupList(*down) != nullptr;
+    }
+    // Whether a deactivation of the form reaches it (the hook lets it through only when closed).
+    bool formSeesDeactivation()
+    {
+        const int before = deactivations->count;
+        QEvent event(QEvent::WindowDeactivate);
+        QCoreApplication::sendEvent(&form, &event);
+        return deactivations->count > before;
+    }
+
+    QWidget form;
+    QWidget *box;
+    Down *down;
+    std::unique_ptr<EventCount> deactivations;
+    int closes = 0;
+};
+
 } // namespace
 
 Q_DECLARE_METATYPE(QList<Add>)
@@ -59,6 +135,17 @@ private Q_SLOTS:
     void removeAndClearKeepCaption();
     void redrawAndPuts();
     void persistence();
+    void layout_data();
+    void layout();
+    void popupGeometry_data();
+    void popupGeometry();
+    void fillOrder();
+    void toggles_data();
+    void toggles();
+    void closing_data();
+    void closing();
+    void hooks_data();
+    void hooks();
 };
 
 void tst_Down::addItem_data()
@@ -244,6 +331,250 @@ void tst_Down::persistence()
     fresh.InitProperties();
     fresh.WriteProperties(defaults);
     QCOMPARE(defaults.keys(), QStringList());
+}
+
+void tst_Down::layout_data()
+{
+    QTest::addColumn<int>("width");
+    QTest::newRow("wide") << 300;
+    QTest::newRow("narrower than two faces") << 5;
+}
+
+void tst_Down::layout()
+{
+    // Given a control, when it is resized, then the combo box spans it, the face and the label
+    // over it sit at its right edge, and it never gets narrower than two faces.
+    QFETCH(int, width);
+    Down down;
+    down.show();
+    down.resize(width, 24);
+    const auto *txt = down.findChild<QComboBox *>(u"txt"_s);
+    const auto *pct = down.findChild<QLabel *>(u"pct"_s);
+    QCOMPARE(down.width(), qMax(width, 2 * pct->width()));
+    QCOMPARE(txt->geometry(), down.rect());
+    QCOMPARE(pct->geometry().right(), down.rect().right());
+    QCOMPARE(pct->height(), txt->height());
+    QCOMPARE(down.findChild<QLabel *>(u"lbl"_s)->geometry(), pct->geometry());
+}
+
+void tst_Down::popupGeometry_data()
+{
+    QTest::addColumn<int>("items");
+    QTest::addColumn<int>("visibleCount");
+    QTest::addColumn<int>("rows");
+    QTest::addColumn<QPoint>("offset"); // of the container on the form
+
+    QTest::newRow("empty list: its frame only") << 0 << 8 << 0 << QPoint();
+    QTest::newRow("three of eight") << 3 << 8 << 3 << QPoint();
+    QTest::newRow("twenty shows eight") << 20 << 8 << 8 << QPoint();
+    QTest::newRow("negative count as empty") << 5 << -2 << 0 << QPoint();
+    QTest::newRow("container offset not added") << 2 << 8 << 2 << QPoint(40, 30);
+}
+
+void tst_Down::popupGeometry()
+{
+    // Given a Down in a container on a form, when a left press on the combo box opens the
+    // pop-up, then it lies under the control's place read against the form, as wide as the
+    // control and as high as its rows, and the combo box's own list stays closed.
+    QFETCH(int, items);
+    QFETCH(QPoint, offset);
+    QFETCH(int, visibleCount);
+    Host host(offset);
+    host.down->setVisibleCount(visibleCount);
+    for (int i = 0; i < items; ++i)
+        host.down->AddItem(u"Item %1"_s.arg(i));
+    QVERIFY(host.open());
+    QListWidget *lst = popupList(*host.down);
+    QWidget *popup = lst->window();
+    QCOMPARE(popup->objectName(), u"DownForm"_s);
+    QVERIFY(!host.down->findChild<QComboBox *>(u"txt"_s)->view()->isVisible());
+    const QPoint at = host.form.mapToGlobal(host.down->pos());
+    QCOMPARE(popup->pos(), QPoint(at.x(), at.y() + host.down->height()));
+    QCOMPARE(popup->width(), host.down->width());
+    QFETCH(int, rows);
+    const int rowHeight = items ? lst->sizeHintForRow(0) : 0;
+    QCOMPARE(popup->height(), rows * rowHeight + 2 * lst->frameWidth());
+    QCOMPARE(lst->count(), items);
+}
+
+void tst_Down::fillOrder()
+{
+    // Given items placed at wanted rows, when the pop-up opens, then each row sits at its wanted
+    // place with its check (past the end: appended), filling reports no check, and a toggle of
+    // row r still acts on item r + 1 of the list.
+    Host host;
+    int reported = 0;
+    QString toggled;
+    connect(host.down, &Down::OnItemCheck, this, [&](qint16 &, LBValue *&item) {
+        ++reported;
+        toggled = item->Text();
+    });
+    host.down->AddItem(u"A"_s, {}, {}, true);
+    host.down->AddItem(u"B"_s, {}, {}, false, 0);
+    host.down->AddItem(u"C"_s, {}, {}, true, 99);
+    host.down->AddItem(u"D"_s, {}, {}, false, -5);
+    QVERIFY(host.open());
+    QListWidget *lst = popupList(*host.down);
+    QStringList rows;
+    for (int i = 0; i < lst->count(); ++i)
+        rows << lst->item(i)->text() + (lst->item(i)->checkState() == Qt::Checked ? u"+"_s : u""_s);
+    QCOMPARE(rows, (QStringList{u"B"_s, u"A+"_s, u"C+"_s, u"D"_s}));
+    QCOMPARE(reported, 0);
+    lst->setCurrentRow(0);
+    QTest::keyClick(lst, Qt::Key_Space);
+    QCOMPARE(toggled, u"A"_s);
+    QCOMPARE(host.down->CheckedCount(), 3); // A was checked already, and counts again
+}
+
+void tst_Down::toggles_data()
+{
+    QTest::addColumn<QList<bool>>("checks"); // of A, B, C
+    QTest::addColumn<int>("row");
+    QTest::addColumn<bool>("veto");
+    QTest::addColumn<int>("count");
+    QTest::addColumn<QString>("caption");
+
+    QTest::newRow("first check names it")
+        << QList<bool>{false, false, false} << 1 << false << 1 << u"B"_s;
+    QTest::newRow("second check gives the group")
+        << QList<bool>{true, false, false} << 2 << false << 2 << u"<List>"_s;
+    QTest::newRow("last uncheck gives nothing")
+        << QList<bool>{false, true, false} << 1 << false << 0 << u"<Nothing>"_s;
+    QTest::newRow("one left: the first checked in list order")
+        << QList<bool>{true, false, true} << 0 << false << 1 << u"C"_s;
+    QTest::newRow("vetoed check") << QList<bool>{true, false, false} << 1 << true << 1 << u"A"_s;
+    QTest::newRow("vetoed uncheck")
+        << QList<bool>{true, true, false} << 0 << true << 2 << u"<List>"_s;
+}
+
+void tst_Down::toggles()
+{
+    // Given an open pop-up, when the user toggles a row with the space key, then OnItemCheck
+    // gets the row and its item; accepted, the count and caption follow; vetoed by the handler,
+    // the row shows the item's state and the count and caption stay.
+    QFETCH(QList<bool>, checks);
+    QFETCH(int, row);
+    QFETCH(bool, veto);
+    Host host;
+    const QStringList texts = {u"A"_s, u"B"_s, u"C"_s};
+    for (int i = 0; i < 3; ++i)
+        host.down->AddItem(texts.at(i), {}, {}, checks.at(i));
+    QList<QPair<int, QString>> reported;
+    connect(host.down, &Down::OnItemCheck, this, [&](qint16 &index, LBValue *&item) {
+        reported.append({index, item->Text()});
+        if (veto)
+            item->setChecked(!item->Checked());
+    });
+    QVERIFY(host.open());
+    QListWidget *lst = popupList(*host.down);
+    lst->setCurrentRow(row);
+    QTest::keyClick(lst, Qt::Key_Space);
+    QCOMPARE(reported, (QList<QPair<int, QString>>{{row, texts.at(row)}}));
+    QCOMPARE(lst->item(row)->checkState() == Qt::Checked, checks.at(row) != !veto);
+    QCOMPARE(host.down->ListItem(row + 1)->Checked(), checks.at(row) != !veto);
+    QTEST(host.down->CheckedCount(), "count");
+    QTEST(host.down->findChild<QComboBox *>(u"txt"_s)->currentText(), "caption");
+}
+
+void tst_Down::closing_data()
+{
+    QTest::addColumn<QString>("how");
+    QTest::addColumn<bool>("closes");
+    QTest::newRow("enter") << u"enter"_s << true;
+    QTest::newRow("escape") << u"escape"_s << true;
+    QTest::newRow("another key") << u"down"_s << false;
+    QTest::newRow("click outside") << u"outside"_s << true;
+    QTest::newRow("click inside") << u"inside"_s << false;
+    QTest::newRow("Free") << u"free"_s << true;
+}
+
+void tst_Down::closing()
+{
+    // Given an open pop-up, when the user presses a key, clicks, or the host calls Free, then
+    // Enter, Escape, a click outside and Free close it, OnClose comes once and the form lets its
+    // deactivation through again; other keys and a click inside leave it open.
+    QFETCH(QString, how);
+    QFETCH(bool, closes);
+    Host host;
+    host.down->AddItem(u"A"_s);
+    host.down->AddItem(u"B"_s);
+    QVERIFY(host.open());
+    QListWidget *lst = popupList(*host.down);
+    QWidget *popup = lst->window();
+    QVERIFY(QTest::qWaitForWindowExposed(popup));
+    QVERIFY(!host.formSeesDeactivation());
+    if (how == "enter"_L1 || how == "escape"_L1 || how == "down"_L1) {
+        QTest::keyClick(lst,
+                        how == "enter"_L1        ? Qt::Key_Return
+                            : how == "escape"_L1 ? Qt::Key_Escape
+                                                 : Qt::Key_Down);
+    } else if (how == "free"_L1) {
+        host.down->Free();
+    } else {
+        // The mouse leaves: within a timer tick the pop-up takes it, and gives it back inside.
+        QCursor::setPos(host.form.mapToGlobal(QPoint(380, 280)));
+        QTRY_COMPARE(QWidget::mouseGrabber(), popup);
+        if (how == "inside"_L1) {
+            QCursor::setPos(popup->geometry().center());
+            QTRY_VERIFY(!QWidget::mouseGrabber());
+            const QRect row = lst->visualItemRect(lst->item(1));
+            QTest::mouseClick(popup->windowHandle(), Qt::LeftButton, {},
+                              lst->viewport()->mapTo(popup, row.center()));
+        } else {
+            // Through the window system's path, where the mouse goes to the window holding it.
+            QTest::mouseClick(host.form.windowHandle(), Qt::LeftButton, {}, QPoint(380, 280));
+        }
+    }
+    QCoreApplication::processEvents();
+    QCOMPARE(popupList(*host.down) == nullptr, closes);
+    QCOMPARE(host.closes, closes ? 1 : 0);
+    QCOMPARE(host.formSeesDeactivation(), closes);
+    if (closes) {
+        QVERIFY(!QWidget::mouseGrabber());
+        QCOMPARE(host.open(), how != "free"_L1); // it opens again, unless the hooks are gone
+    }
+}
+
+void tst_Down::hooks_data()
+{
+    QTest::addColumn<bool>("doubleClick");
+    QTest::addColumn<bool>("twice");
+    QTest::newRow("press") << false << false;
+    QTest::newRow("double click") << true << false;
+    QTest::newRow("opened twice") << false << true;
+}
+
+void tst_Down::hooks()
+{
+    // Given a run-mode Down, when the combo box is pressed or double-clicked (or the face is
+    // pressed while open), then the pop-up opens and the combo's list does not, the form keeps
+    // one hook; after Free a click opens the combo box's own list again.
+    QFETCH(bool, doubleClick);
+    QFETCH(bool, twice);
+    Host host;
+    host.down->AddItem(u"A"_s);
+    auto *txt = host.down->findChild<QComboBox *>(u"txt"_s);
+    if (doubleClick)
+        QTest::mouseDClick(txt, Qt::LeftButton);
+    else
+        QTest::mouseClick(txt, Qt::LeftButton);
+    QVERIFY(popupList(*host.down));
+    QVERIFY(!txt->view()->isVisible());
+    if (twice) {
+        auto *face = host.down->findChild<QLabel *>(u"lbl"_s);
+        QTest::mousePress(face, Qt::LeftButton);
+        QTest::mouseRelease(face, Qt::LeftButton);
+    }
+    QTest::keyClick(popupList(*host.down), Qt::Key_Escape);
+    QCoreApplication::processEvents();
+    QVERIFY(host.formSeesDeactivation());
+    QCOMPARE(host.closes, 1);
+
+    host.down->Free();
+    QTest::mouseClick(txt, Qt::LeftButton);
+    QTRY_VERIFY(txt->view()->isVisible());
+    QVERIFY(!popupList(*host.down));
+    txt->hidePopup();
 }
 
 QTEST_MAIN(tst_Down)
