@@ -433,18 +433,22 @@ void tst_Down::toggles_data()
     QTest::addColumn<bool>("veto");
     QTest::addColumn<int>("count");
     QTest::addColumn<QString>("caption");
+    QTest::addColumn<int>("uncounted"); // an item checked through ListItem, not counted
 
     QTest::newRow("first check names it")
-        << QList<bool>{false, false, false} << 1 << false << 1 << u"B"_s;
+        << QList<bool>{false, false, false} << 1 << false << 1 << u"B"_s << 0;
     QTest::newRow("second check gives the group")
-        << QList<bool>{true, false, false} << 2 << false << 2 << u"<List>"_s;
+        << QList<bool>{true, false, false} << 2 << false << 2 << u"<List>"_s << 0;
     QTest::newRow("last uncheck gives nothing")
-        << QList<bool>{false, true, false} << 1 << false << 0 << u"<Nothing>"_s;
+        << QList<bool>{false, true, false} << 1 << false << 0 << u"<Nothing>"_s << 0;
     QTest::newRow("one left: the first checked in list order")
-        << QList<bool>{true, false, true} << 0 << false << 1 << u"C"_s;
-    QTest::newRow("vetoed check") << QList<bool>{true, false, false} << 1 << true << 1 << u"A"_s;
+        << QList<bool>{true, false, true} << 0 << false << 1 << u"C"_s << 0;
+    QTest::newRow("vetoed check") << QList<bool>{true, false, false} << 1 << true << 1 << u"A"_s
+                                  << 0;
     QTest::newRow("vetoed uncheck")
-        << QList<bool>{true, true, false} << 0 << true << 2 << u"<List>"_s;
+        << QList<bool>{true, true, false} << 0 << true << 2 << u"<List>"_s << 0;
+    QTest::newRow("count of one names the first checked")
+        << QList<bool>{false, false, false} << 2 << false << 1 << u"B"_s << 2;
 }
 
 void tst_Down::toggles()
@@ -459,6 +463,9 @@ void tst_Down::toggles()
     const QStringList texts = {u"A"_s, u"B"_s, u"C"_s};
     for (int i = 0; i < 3; ++i)
         host.down->AddItem(texts.at(i), {}, {}, checks.at(i));
+    QFETCH(int, uncounted);
+    if (uncounted)
+        host.down->ListItem(uncounted)->setChecked(true);
     QList<QPair<int, QString>> reported;
     connect(host.down, &Down::OnItemCheck, this, [&](qint16 &index, LBValue *&item) {
         reported.append({index, item->Text()});
@@ -498,10 +505,13 @@ void tst_Down::closing()
     Host host;
     host.down->AddItem(u"A"_s);
     host.down->AddItem(u"B"_s);
+    QVERIFY(QTest::qWaitForWindowActive(&host.form));
     QVERIFY(host.open());
     QListWidget *lst = popupList(*host.down);
     QWidget *popup = lst->window();
-    QVERIFY(QTest::qWaitForWindowExposed(popup));
+    // The pop-up takes the activation; the form does not see it go.
+    QVERIFY(QTest::qWaitForWindowActive(popup));
+    QCOMPARE(host.deactivations->count, 0);
     QVERIFY(!host.formSeesDeactivation());
     if (how == "enter"_L1 || how == "escape"_L1 || how == "down"_L1) {
         QTest::keyClick(lst,
