@@ -15,6 +15,7 @@
 #include <QLabel>
 #include <QListWidget>
 #include <QMouseEvent>
+#include <QPainter>
 #include <QPointer>
 #include <QPushButton>
 #include <QStyle>
@@ -30,6 +31,22 @@ constexpr qint32 defaultVisibleCount = 8;
 // Width of the size hint in average characters.
 constexpr int hintChars = 15;
 constexpr int minimumHintChars = 4;
+
+// The down arrow of the style's combo boxes, for the face of the drop-down button.
+QPixmap arrowFace(const QWidget &face)
+{
+    const int side = face.style()->pixelMetric(QStyle::PM_SmallIconSize) / 2 + 2;
+    const qreal ratio = face.devicePixelRatioF();
+    QPixmap pixmap(QSize(side, side) * ratio);
+    pixmap.setDevicePixelRatio(ratio);
+    pixmap.fill(Qt::transparent);
+    QPainter painter(&pixmap);
+    QStyleOption option;
+    option.initFrom(&face);
+    option.rect = QRect(0, 0, side, side);
+    face.style()->drawPrimitive(QStyle::PE_IndicatorArrowDown, &option, &painter, &face);
+    return pixmap;
+}
 
 QString defaultCaptionNothing()
 {
@@ -282,8 +299,7 @@ Down::Down(QWidget *parent)
     d->pct->setAutoFillBackground(true);
     d->pct->setBackgroundRole(QPalette::Button);
     d->pct->setAlignment(Qt::AlignCenter);
-    const int arrow = style()->pixelMetric(QStyle::PM_SmallIconSize) / 2 + 4;
-    d->pct->setPixmap(style()->standardIcon(QStyle::SP_ArrowDown).pixmap(arrow, arrow));
+    d->pct->setPixmap(arrowFace(*d->pct));
     d->lbl->setObjectName(QStringLiteral("lbl"));
     d->lbl->installEventFilter(this);
     d->cmd->setObjectName(QStringLiteral("cmd"));
