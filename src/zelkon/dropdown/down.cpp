@@ -72,6 +72,8 @@ public:
 
     int pctWidth() const;
     void layoutChildren();
+    // The form whose title keeps its active look while the pop-up is open.
+    QWidget *form() const { return parentForm ? parentForm.data() : q->window(); }
     void installHooks();
     void CBSetFocus();
     void cmdClick();
@@ -175,13 +177,12 @@ void DownPrivate::openList()
         QObject::connect(fmDown, &DownForm::OnItemCheck, q,
                          [this](qint16 &row, bool &checked) { fmDown_OnItemCheck(row, checked); });
     }
-    QWidget *form = parentForm ? parentForm.data() : q->window();
-    WndModule::Subclass(handlerId, form, QStringLiteral("ParentForm"));
+    WndModule::Subclass(handlerId, form(), QStringLiteral("ParentForm"));
     if (fmDown->isVisible())
         return;
     // The control's place in its own container read as a place on the form: a Down inside
     // another container on the form opens off by that container's offset, as hosts know it.
-    const QPoint at = form->mapToGlobal(q->pos());
+    const QPoint at = form()->mapToGlobal(q->pos());
     fillList();
     fmDown->ShowAtPos(at.x(), at.y() + q->height(), q->width(), visibleCount);
 }
@@ -198,10 +199,7 @@ void DownPrivate::fillList()
 
 void DownPrivate::fmDown_OnClose()
 {
-    if (parentForm)
-        WndModule::Unsubclass(parentForm);
-    else
-        WndModule::Unsubclass(q->window());
+    WndModule::Unsubclass(form());
     fmDown = nullptr;
     Q_EMIT q->OnClose();
 }
@@ -244,8 +242,7 @@ void DownPrivate::releaseQuietly()
         QObject::disconnect(fmDown, nullptr, q, nullptr);
         fmDown->DoClose();
         fmDown = nullptr;
-        if (parentForm)
-            WndModule::Unsubclass(parentForm);
+        WndModule::Unsubclass(form());
     }
     if (hooked) {
         WndModule::Unsubclass(txt);
