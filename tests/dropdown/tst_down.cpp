@@ -135,11 +135,8 @@ private Q_SLOTS:
     void removeAndClearKeepCaption();
     void redrawAndPuts();
     void persistence();
-    void layout_data();
-    void layout();
     void popupGeometry_data();
     void popupGeometry();
-    void fillOrder();
     void toggles_data();
     void toggles();
     void closing_data();
@@ -331,53 +328,39 @@ void tst_Down::persistence()
     QCOMPARE(defaults.keys(), QStringList());
 }
 
-void tst_Down::layout_data()
-{
-    QTest::addColumn<int>("width");
-    QTest::newRow("wide") << 300;
-    QTest::newRow("narrower than two faces") << 5;
-}
-
-void tst_Down::layout()
-{
-    // Given a control, when it is resized, then the combo box spans it, the face and the label
-    // over it sit at its right edge, and it never gets narrower than two faces.
-    QFETCH(int, width);
-    Down down;
-    down.show();
-    down.resize(width, 24);
-    const auto *txt = down.findChild<QComboBox *>(u"txt"_s);
-    const auto *pct = down.findChild<QLabel *>(u"pct"_s);
-    QCOMPARE(down.width(), qMax(width, 2 * pct->width()));
-    QCOMPARE(txt->geometry(), down.rect());
-    QCOMPARE(pct->geometry().right(), down.rect().right());
-    QCOMPARE(pct->height(), txt->height());
-    QCOMPARE(down.findChild<QLabel *>(u"lbl"_s)->geometry(), pct->geometry());
-}
-
 void tst_Down::popupGeometry_data()
 {
     QTest::addColumn<int>("items");
     QTest::addColumn<int>("visibleCount");
     QTest::addColumn<int>("rows");
     QTest::addColumn<QPoint>("offset"); // of the container on the form
+    QTest::addColumn<int>("width"); // asked of the control
 
-    QTest::newRow("empty list: its frame only") << 0 << 8 << 0 << QPoint();
-    QTest::newRow("three of eight") << 3 << 8 << 3 << QPoint();
-    QTest::newRow("twenty shows eight") << 20 << 8 << 8 << QPoint();
-    QTest::newRow("negative count as empty") << 5 << -2 << 0 << QPoint();
-    QTest::newRow("container offset not added") << 2 << 8 << 2 << QPoint(40, 30);
+    QTest::newRow("empty list: its frame only") << 0 << 8 << 0 << QPoint() << 200;
+    QTest::newRow("three of eight") << 3 << 8 << 3 << QPoint() << 200;
+    QTest::newRow("twenty shows eight") << 20 << 8 << 8 << QPoint() << 200;
+    QTest::newRow("negative count as empty") << 5 << -2 << 0 << QPoint() << 200;
+    QTest::newRow("container offset not added") << 2 << 8 << 2 << QPoint(40, 30) << 200;
+    QTest::newRow("never narrower than two faces") << 1 << 8 << 1 << QPoint() << 5;
 }
 
 void tst_Down::popupGeometry()
 {
-    // Given a Down in a container on a form, when a left press on the combo box opens the
-    // pop-up, then it lies under the control's place read against the form, as wide as the
-    // control and as high as its rows.
+    // Given a Down in a container on a form, laid out with the combo box across it and the face
+    // and its label at the right edge, when a left press on the combo box opens the pop-up, then
+    // it lies under the control's place read against the form, as wide as the control and as
+    // high as its rows.
     QFETCH(int, items);
     QFETCH(QPoint, offset);
     QFETCH(int, visibleCount);
+    QFETCH(int, width);
     Host host(offset);
+    host.down->resize(width, host.down->height());
+    const auto *pct = host.down->findChild<QLabel *>(u"pct"_s);
+    QCOMPARE(host.down->width(), qMax(width, 2 * pct->width()));
+    QCOMPARE(host.down->findChild<QComboBox *>(u"txt"_s)->geometry(), host.down->rect());
+    QCOMPARE(pct->geometry().right(), host.down->rect().right());
+    QCOMPARE(host.down->findChild<QLabel *>(u"lbl"_s)->geometry(), pct->geometry());
     host.down->setVisibleCount(visibleCount);
     for (int i = 0; i < items; ++i)
         host.down->AddItem(u"Item %1"_s.arg(i));
@@ -394,35 +377,6 @@ void tst_Down::popupGeometry()
     QCOMPARE(lst->count(), items);
 }
 
-void tst_Down::fillOrder()
-{
-    // Given items placed at wanted rows, when the pop-up opens, then each row sits at its wanted
-    // place with its check (past the end: appended), filling reports no check, and a toggle of
-    // row r still acts on item r + 1 of the list.
-    Host host;
-    int reported = 0;
-    QString toggled;
-    connect(host.down, &Down::OnItemCheck, this, [&](qint16 &, LBValue *&item) {
-        ++reported;
-        toggled = item->Text();
-    });
-    host.down->AddItem(u"A"_s, {}, {}, true);
-    host.down->AddItem(u"B"_s, {}, {}, false, 0);
-    host.down->AddItem(u"C"_s, {}, {}, true, 99);
-    host.down->AddItem(u"D"_s, {}, {}, false, -5);
-    QVERIFY(host.open());
-    QListWidget *lst = popupList(*host.down);
-    QStringList rows;
-    for (int i = 0; i < lst->count(); ++i)
-        rows << lst->item(i)->text() + (lst->item(i)->checkState() == Qt::Checked ? u"+"_s : u""_s);
-    QCOMPARE(rows, (QStringList{u"B"_s, u"A+"_s, u"C+"_s, u"D"_s}));
-    QCOMPARE(reported, 0);
-    lst->setCurrentRow(0);
-    QTest::keyClick(lst, Qt::Key_Space);
-    QCOMPARE(toggled, u"A"_s);
-    QCOMPARE(host.down->CheckedCount(), 3); // A was checked already, and counts again
-}
-
 void tst_Down::toggles_data()
 {
     QTest::addColumn<QList<bool>>("checks"); // of A, B, C
@@ -431,35 +385,41 @@ void tst_Down::toggles_data()
     QTest::addColumn<int>("count");
     QTest::addColumn<QString>("caption");
     QTest::addColumn<int>("uncounted"); // an item checked through ListItem, not counted
+    QTest::addColumn<int>("wantedRow"); // of C
 
     QTest::newRow("first check names it")
-        << QList<bool>{false, false, false} << 1 << false << 1 << u"B"_s << 0;
+        << QList<bool>{false, false, false} << 1 << false << 1 << u"B"_s << 0 << -5;
     QTest::newRow("second check gives the group")
-        << QList<bool>{true, false, false} << 2 << false << 2 << u"<List>"_s << 0;
+        << QList<bool>{true, false, false} << 2 << false << 2 << u"<List>"_s << 0 << 99;
     QTest::newRow("last uncheck gives nothing")
-        << QList<bool>{false, true, false} << 1 << false << 0 << u"<Nothing>"_s << 0;
+        << QList<bool>{false, true, false} << 1 << false << 0 << u"<Nothing>"_s << 0 << -1;
     QTest::newRow("one left: the first checked in list order")
-        << QList<bool>{true, false, true} << 0 << false << 1 << u"C"_s << 0;
+        << QList<bool>{true, false, true} << 0 << false << 1 << u"C"_s << 0 << -1;
     QTest::newRow("vetoed check") << QList<bool>{true, false, false} << 1 << true << 1 << u"A"_s
-                                  << 0;
+                                  << 0 << -1;
     QTest::newRow("vetoed uncheck")
-        << QList<bool>{true, true, false} << 0 << true << 2 << u"<List>"_s << 0;
+        << QList<bool>{true, true, false} << 0 << true << 2 << u"<List>"_s << 0 << -1;
     QTest::newRow("count of one names the first checked")
-        << QList<bool>{false, false, false} << 2 << false << 1 << u"B"_s << 2;
+        << QList<bool>{false, false, false} << 2 << false << 1 << u"B"_s << 2 << -1;
+    QTest::newRow("row 0 is item 1 when C wants row 0")
+        << QList<bool>{true, false, false} << 0 << false << 2 << u"<List>"_s << 0 << 0;
 }
 
 void tst_Down::toggles()
 {
-    // Given an open pop-up, when the user toggles a row with the space key, then OnItemCheck
-    // gets the row and its item; accepted, the count and caption follow; vetoed by the handler,
-    // the row shows the item's state and the count and caption stay.
+    // Given an open pop-up filled in list order (C at its wanted row, if any, past the end
+    // appended), when the user toggles a row with the space key, then OnItemCheck comes once,
+    // with the row and item row + 1 of the list (not reported while filling); accepted, the
+    // count and caption follow; vetoed by the handler, the row shows the item's state and the
+    // count and caption stay.
     QFETCH(QList<bool>, checks);
     QFETCH(int, row);
     QFETCH(bool, veto);
+    QFETCH(int, wantedRow);
     Host host;
     const QStringList texts = {u"A"_s, u"B"_s, u"C"_s};
     for (int i = 0; i < 3; ++i)
-        host.down->AddItem(texts.at(i), {}, {}, checks.at(i));
+        host.down->AddItem(texts.at(i), {}, {}, checks.at(i), i == 2 ? wantedRow : -1);
     QFETCH(int, uncounted);
     if (uncounted)
         host.down->ListItem(uncounted)->setChecked(true);
@@ -471,11 +431,14 @@ void tst_Down::toggles()
     });
     QVERIFY(host.open());
     QListWidget *lst = popupList(*host.down);
+    QCOMPARE(lst->item(0)->text(), wantedRow == 0 ? u"C"_s : u"A"_s);
+    const bool before = lst->item(row)->checkState() == Qt::Checked;
     lst->setCurrentRow(row);
     QTest::keyClick(lst, Qt::Key_Space);
     QCOMPARE(reported, (QList<QPair<int, QString>>{{row, texts.at(row)}}));
-    QCOMPARE(lst->item(row)->checkState() == Qt::Checked, checks.at(row) != !veto);
-    QCOMPARE(host.down->ListItem(row + 1)->Checked(), checks.at(row) != !veto);
+    const bool shown = lst->item(row)->checkState() == Qt::Checked;
+    QCOMPARE(shown, veto ? before : !before);
+    QCOMPARE(host.down->ListItem(row + 1)->Checked(), shown);
     QTEST(host.down->CheckedCount(), "count");
     QTEST(host.down->findChild<QComboBox *>(u"txt"_s)->currentText(), "caption");
 }
