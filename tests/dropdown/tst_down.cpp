@@ -58,31 +58,9 @@ QListWidget *popupList(const Down &down)
     return nullptr;
 }
 
-// Counts the events of one type that reach a watched object past the filters installed after it.
-class EventCount : public QObject
-{
-public:
-    EventCount(QObject *watched, QEvent::Type type)
-        : m_type(type)
-    {
-        watched->installEventFilter(this);
-    }
-    int count = 0;
-
-protected:
-    bool eventFilter(QObject *, QEvent *event) override
-    {
-        if (event->type() == m_type)
-            ++count;
-        return false;
-    }
-
-private:
-    QEvent::Type m_type;
-};
-
-// A run-mode Down on a shown form, `offset` inside a container on that form.
-struct Host
+// A run-mode Down on a shown form, `offset` inside a container on that form. Counts the
+// deactivations that reach the form past the filters installed after this one.
+struct Host : QObject
 {
     explicit Host(const QPoint &offset = {})
     {
@@ -93,7 +71,7 @@ struct Host
         down->setGeometry(10, 20, 200, down->sizeHint().height());
         MemoryPropertyBag bag;
         down->ReadProperties(bag);
-        deactivations = std::make_unique<EventCount>(&form, QEvent::WindowDeactivate);
+        form.installEventFilter(this);
         QObject::connect(down, &Down::OnClose, &form, [this] { ++closes; });
         form.show();
         form.activateWindow();
@@ -103,19 +81,24 @@ struct Host
         QTest::mouseClick(down->findChild<QComboBox *>(u"txt"_s), Qt::LeftButton);
         return popupList(*down) != nullptr;
     }
+    bool eventFilter(QObject *, QEvent *event) override
+    {
+        deactivations += event->type() == QEvent::WindowDeactivate;
+        return false;
+    }
     // Whether a deactivation of the form reaches it (the hook lets it through only when closed).
     bool formSeesDeactivation()
     {
-        const int before = deactivations->count;
+        const int before = deactivations;
         QEvent event(QEvent::WindowDeactivate);
         QCoreApplication::sendEvent(&form, &event);
-        return deactivations->count > before;
+        return deactivations > before;
     }
 
     QWidget form;
     QWidget *box;
     Down *down;
-    std::unique_ptr<EventCount> deactivations;
+    int deactivations = 0;
     int closes = 0;
 };
 
@@ -485,7 +468,7 @@ void tst_Down::closing()
     QWidget *popup = lst->window();
     // The pop-up takes the activation; the form does not see it go.
     QVERIFY(QTest::qWaitForWindowActive(popup));
-    QCOMPARE(host.deactivations->count, 0);
+    QCOMPARE(host.deactivations, 0);
     QVERIFY(!host.formSeesDeactivation());
     if (how == "enter"_L1 || how == "escape"_L1 || how == "down"_L1) {
         const Qt::Key key = how == "enter"_L1 ? Qt::Key_Return
