@@ -6,7 +6,7 @@ packages=(
     cmake make g++ pkg-config
     qt6-base-dev qt6-base-dev-tools qt6-tools-dev libqt6opengl6-dev libqt6sql6-sqlite libqt6sql6-psql libgl-dev
     libbenchmark-dev postgresql fonts-dejavu-core xvfb xauth
-    dpkg-dev file doxygen
+    dpkg-dev file doxygen openbox x11-utils
 )
 
 missing=()

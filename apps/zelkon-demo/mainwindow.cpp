@@ -1,5 +1,6 @@
 #include "mainwindow.h"
 
+#include "columnchooser.h"
 #include "filterform.h"
 #include "propertiesdialog.h"
 #include "resultoptions.h"
@@ -102,6 +103,7 @@ MainWindow::MainWindow(const QString &databasePath, QWidget *parent)
     connect(m_options, &ResultOptions::sortChanged, pending, qOverload<>(&QTimer::start));
     resize(qMax(900, m_form->sizeHint().width() + 40), 680);
     applyFilter();
+    new ColumnChooser(menuBar(), m_rows);
 }
 
 MainWindow::~MainWindow()

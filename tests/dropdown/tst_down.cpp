@@ -7,10 +7,15 @@
 #include <zelkon/dropdown/down.h>
 #include <zelkon/dropdown/lbvalue.h>
 
+#include <QAbstractItemView>
 #include <QComboBox>
+#include <QCursor>
+#include <QLabel>
+#include <QListWidget>
 #include <QSignalSpy>
 #include <QTemporaryDir>
 #include <QTest>
+#include <QVBoxLayout>
 
 #include <algorithm>
 #include <iterator>
@@ -43,6 +48,60 @@ QString shown(const Down &down)
     return down.findChild<QComboBox *>(u"txt"_s)->currentText();
 }
 
+QListWidget *popupList(const Down &down)
+{
+    // A closed pop-up lingers, hidden, until the event loop deletes it.
+    for (auto *form : down.findChildren<QWidget *>(u"DownForm"_s)) {
+        if (form->isVisible())
+            return form->findChild<QListWidget *>(u"lst"_s);
+    }
+    return nullptr;
+}
+
+// A run-mode Down on a shown form, `offset` inside a container on that form. Counts the
+// deactivations that reach the form past the filters installed after this one.
+struct Host : QObject
+{
+    explicit Host(const QPoint &offset = {})
+    {
+        form.resize(400, 300);
+        box = new QWidget(&form);
+        box->setGeometry(QRect(offset, QSize(300, 80)));
+        down = qobject_cast<Down *>(createControl(u"Down"_s, box));
+        down->setGeometry(10, 20, 200, down->sizeHint().height());
+        MemoryPropertyBag bag;
+        down->ReadProperties(bag);
+        form.installEventFilter(this);
+        QObject::connect(down, &Down::OnClose, &form, [this] { ++closes; });
+        form.show();
+        form.activateWindow();
+    }
+    bool open()
+    {
+        QTest::mouseClick(down->findChild<QComboBox *>(u"txt"_s), Qt::LeftButton);
+        return popupList(*down) != nullptr;
+    }
+    bool eventFilter(QObject *, QEvent *event) override
+    {
+        deactivations += event->type() == QEvent::WindowDeactivate;
+        return false;
+    }
+    // Whether a deactivation of the form reaches it (the hook lets it through only when closed).
+    bool formSeesDeactivation()
+    {
+        const int before = deactivations;
+        QEvent event(QEvent::WindowDeactivate);
+        QCoreApplication::sendEvent(&form, &event);
+        return deactivations > before;
+    }
+
+    QWidget form;
+    QWidget *box;
+    Down *down;
+    int deactivations = 0;
+    int closes = 0;
+};
+
 } // namespace
 
 Q_DECLARE_METATYPE(QList<Add>)
@@ -59,6 +118,12 @@ private Q_SLOTS:
     void removeAndClearKeepCaption();
     void redrawAndPuts();
     void persistence();
+    void popupGeometry_data();
+    void popupGeometry();
+    void toggles_data();
+    void toggles();
+    void closing_data();
+    void closing();
 };
 
 void tst_Down::addItem_data()
@@ -244,6 +309,201 @@ void tst_Down::persistence()
     fresh.InitProperties();
     fresh.WriteProperties(defaults);
     QCOMPARE(defaults.keys(), QStringList());
+}
+
+void tst_Down::popupGeometry_data()
+{
+    QTest::addColumn<int>("items");
+    QTest::addColumn<int>("visibleCount");
+    QTest::addColumn<int>("rows");
+    QTest::addColumn<QPoint>("offset"); // of the container on the form
+    QTest::addColumn<int>("width"); // asked of the control
+
+    QTest::newRow("empty list: its frame only") << 0 << 8 << 0 << QPoint() << 200;
+    QTest::newRow("three of eight") << 3 << 8 << 3 << QPoint() << 200;
+    QTest::newRow("twenty shows eight") << 20 << 8 << 8 << QPoint() << 200;
+    QTest::newRow("negative count as empty") << 5 << -2 << 0 << QPoint() << 200;
+    QTest::newRow("container offset not added") << 2 << 8 << 2 << QPoint(40, 30) << 200;
+    QTest::newRow("never narrower than two faces") << 1 << 8 << 1 << QPoint() << 5;
+}
+
+void tst_Down::popupGeometry()
+{
+    // Given a Down in a container on a form, laid out with the combo box across it and the face
+    // and its label at the right edge, when a left press on the combo box opens the pop-up, then
+    // it lies under the control's place read against the form, as wide as the control and as
+    // high as its rows.
+    QFETCH(int, items);
+    QFETCH(QPoint, offset);
+    QFETCH(int, visibleCount);
+    QFETCH(int, width);
+    Host host(offset);
+    host.down->resize(width, host.down->height());
+    const auto *pct = host.down->findChild<QLabel *>(u"pct"_s);
+    QCOMPARE(host.down->width(), qMax(width, 2 * pct->width()));
+    QCOMPARE(host.down->findChild<QComboBox *>(u"txt"_s)->geometry(), host.down->rect());
+    QCOMPARE(pct->geometry().right(), host.down->rect().right());
+    QCOMPARE(host.down->findChild<QLabel *>(u"lbl"_s)->geometry(), pct->geometry());
+    host.down->setVisibleCount(visibleCount);
+    for (int i = 0; i < items; ++i)
+        host.down->AddItem(u"Item %1"_s.arg(i));
+    QVERIFY(host.open());
+    QListWidget *lst = popupList(*host.down);
+    QWidget *popup = lst->window();
+    QCOMPARE(popup->objectName(), u"DownForm"_s);
+    const QPoint at = host.form.mapToGlobal(host.down->pos());
+    QCOMPARE(popup->pos(), QPoint(at.x(), at.y() + host.down->height()));
+    QCOMPARE(popup->width(), host.down->width());
+    QFETCH(int, rows);
+    const int rowHeight = items ? lst->sizeHintForRow(0) : 0;
+    QCOMPARE(popup->height(), rows * rowHeight + 2 * lst->frameWidth());
+    QCOMPARE(lst->count(), items);
+}
+
+void tst_Down::toggles_data()
+{
+    QTest::addColumn<QList<bool>>("checks"); // of A, B, C
+    QTest::addColumn<int>("row");
+    QTest::addColumn<bool>("veto");
+    QTest::addColumn<int>("count");
+    QTest::addColumn<QString>("caption");
+    QTest::addColumn<int>("uncounted"); // an item checked through ListItem, not counted
+    QTest::addColumn<int>("wantedRow"); // of C
+
+    QTest::newRow("first check names it")
+        << QList<bool>{false, false, false} << 1 << false << 1 << u"B"_s << 0 << -5;
+    QTest::newRow("second check gives the group")
+        << QList<bool>{true, false, false} << 2 << false << 2 << u"<List>"_s << 0 << 99;
+    QTest::newRow("last uncheck gives nothing")
+        << QList<bool>{false, true, false} << 1 << false << 0 << u"<Nothing>"_s << 0 << -1;
+    QTest::newRow("one left: the first checked in list order")
+        << QList<bool>{true, false, true} << 0 << false << 1 << u"C"_s << 0 << -1;
+    QTest::newRow("vetoed check") << QList<bool>{true, false, false} << 1 << true << 1 << u"A"_s
+                                  << 0 << -1;
+    QTest::newRow("vetoed uncheck")
+        << QList<bool>{true, true, false} << 0 << true << 2 << u"<List>"_s << 0 << -1;
+    QTest::newRow("count of one names the first checked")
+        << QList<bool>{false, false, false} << 2 << false << 1 << u"B"_s << 2 << -1;
+    QTest::newRow("row 0 is item 1 when C wants row 0")
+        << QList<bool>{true, false, false} << 0 << false << 2 << u"<List>"_s << 0 << 0;
+}
+
+void tst_Down::toggles()
+{
+    // Given an open pop-up filled in list order (C at its wanted row, if any, past the end
+    // appended), when the user toggles a row with the space key, then OnItemCheck comes once,
+    // with the row and item row + 1 of the list (not reported while filling); accepted, the
+    // count and caption follow; vetoed by the handler, the row shows the item's state and the
+    // count and caption stay.
+    QFETCH(QList<bool>, checks);
+    QFETCH(int, row);
+    QFETCH(bool, veto);
+    QFETCH(int, wantedRow);
+    Host host;
+    const QStringList texts = {u"A"_s, u"B"_s, u"C"_s};
+    for (int i = 0; i < 3; ++i)
+        host.down->AddItem(texts.at(i), {}, {}, checks.at(i), i == 2 ? wantedRow : -1);
+    QFETCH(int, uncounted);
+    if (uncounted)
+        host.down->ListItem(uncounted)->setChecked(true);
+    QList<QPair<int, QString>> reported;
+    connect(host.down, &Down::OnItemCheck, this, [&](qint16 &index, LBValue *&item) {
+        reported.append({index, item->Text()});
+        if (veto)
+            item->setChecked(!item->Checked());
+    });
+    QVERIFY(host.open());
+    QListWidget *lst = popupList(*host.down);
+    QCOMPARE(lst->item(0)->text(), wantedRow == 0 ? u"C"_s : u"A"_s);
+    const bool before = lst->item(row)->checkState() == Qt::Checked;
+    lst->setCurrentRow(row);
+    QTest::keyClick(lst, Qt::Key_Space);
+    QCOMPARE(reported, (QList<QPair<int, QString>>{{row, texts.at(row)}}));
+    const bool shown = lst->item(row)->checkState() == Qt::Checked;
+    QCOMPARE(shown, veto ? before : !before);
+    QCOMPARE(host.down->ListItem(row + 1)->Checked(), shown);
+    QTEST(host.down->CheckedCount(), "count");
+    QTEST(host.down->findChild<QComboBox *>(u"txt"_s)->currentText(), "caption");
+}
+
+void tst_Down::closing_data()
+{
+    QTest::addColumn<QString>("opening"); // press, double click, or press and then the face
+    QTest::addColumn<QString>("how");
+    QTest::addColumn<bool>("closes");
+    QTest::newRow("enter") << u"press"_s << u"enter"_s << true;
+    QTest::newRow("escape after a double click") << u"double"_s << u"escape"_s << true;
+    QTest::newRow("escape, opened twice") << u"twice"_s << u"escape"_s << true;
+    QTest::newRow("another key") << u"press"_s << u"down"_s << false;
+    QTest::newRow("click outside") << u"press"_s << u"outside"_s << true;
+    QTest::newRow("click inside") << u"press"_s << u"inside"_s << false;
+    QTest::newRow("Free") << u"press"_s << u"free"_s << true;
+}
+
+void tst_Down::closing()
+{
+    // Given a pop-up opened from the combo box (whose own list stays shut), when the user
+    // presses a key, clicks, or the host calls Free, then Enter, Escape, a click outside and Free
+    // close it, OnClose comes once and the form's one hook is gone; other keys and a click
+    // inside leave it open. After Free a click on the combo box opens the combo's own list.
+    QFETCH(QString, opening);
+    QFETCH(QString, how);
+    QFETCH(bool, closes);
+    Host host;
+    host.down->AddItem(u"A"_s);
+    host.down->AddItem(u"B"_s);
+    QVERIFY(QTest::qWaitForWindowActive(&host.form));
+    auto *txt = host.down->findChild<QComboBox *>(u"txt"_s);
+    if (opening == "double"_L1)
+        QTest::mouseDClick(txt, Qt::LeftButton);
+    else
+        QVERIFY(host.open());
+    if (opening == "twice"_L1) {
+        QTest::mousePress(host.down->findChild<QLabel *>(u"lbl"_s), Qt::LeftButton);
+        QTest::mouseRelease(host.down->findChild<QLabel *>(u"lbl"_s), Qt::LeftButton);
+    }
+    QListWidget *lst = popupList(*host.down);
+    QVERIFY(lst);
+    QVERIFY(!txt->view()->isVisible());
+    QWidget *popup = lst->window();
+    // The pop-up takes the activation; the form does not see it go.
+    QVERIFY(QTest::qWaitForWindowActive(popup));
+    QCOMPARE(host.deactivations, 0);
+    QVERIFY(!host.formSeesDeactivation());
+    if (how == "enter"_L1 || how == "escape"_L1 || how == "down"_L1) {
+        const Qt::Key key = how == "enter"_L1 ? Qt::Key_Return
+            : how == "escape"_L1              ? Qt::Key_Escape
+                                              : Qt::Key_Down;
+        // Twice before the event loop runs again, as a held key does: still one OnClose.
+        QTest::keyClick(lst, key);
+        QTest::keyClick(lst, key);
+    } else if (how == "free"_L1) {
+        host.down->Free();
+    } else {
+        // The mouse leaves: within a timer tick the pop-up takes it, and gives it back inside.
+        QCursor::setPos(host.form.mapToGlobal(QPoint(380, 280)));
+        QTRY_COMPARE(QWidget::mouseGrabber(), popup);
+        if (how == "inside"_L1) {
+            QCursor::setPos(popup->geometry().center());
+            QTRY_VERIFY(!QWidget::mouseGrabber());
+            const QRect row = lst->visualItemRect(lst->item(1));
+            QTest::mouseClick(popup->windowHandle(), Qt::LeftButton, {},
+                              lst->viewport()->mapTo(popup, row.center()));
+        } else {
+            // Through the window system's path, where the mouse goes to the window holding it.
+            QTest::mouseClick(host.form.windowHandle(), Qt::LeftButton, {}, QPoint(380, 280));
+        }
+    }
+    QCoreApplication::processEvents();
+    QCOMPARE(popupList(*host.down) == nullptr, closes);
+    QCOMPARE(host.closes, closes ? 1 : 0);
+    QCOMPARE(host.formSeesDeactivation(), closes);
+    if (!closes)
+        return;
+    QVERIFY(!QWidget::mouseGrabber());
+    QCOMPARE(host.open(), how != "free"_L1); // it opens again, unless the hooks are gone
+    QCOMPARE(txt->view()->isVisible(), how == "free"_L1);
+    txt->hidePopup();
 }
 
 QTEST_MAIN(tst_Down)

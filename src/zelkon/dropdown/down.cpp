@@ -5,11 +5,21 @@
 #include <zelkon/common/propertybag.h>
 #include <zelkon/common/registry.h>
 #include <zelkon/dropdown/down.h>
+#include <zelkon/dropdown/downform_p.h>
+#include <zelkon/dropdown/handlerclass_p.h>
 #include <zelkon/dropdown/itemlist_p.h>
 #include <zelkon/dropdown/lbvalue_p.h>
+#include <zelkon/dropdown/wndmodule_p.h>
 
 #include <QComboBox>
+#include <QLabel>
+#include <QListWidget>
 #include <QMouseEvent>
+#include <QPainter>
+#include <QPointer>
+#include <QPushButton>
+#include <QStyle>
+#include <QStyleOptionComboBox>
 
 namespace zelkon {
 
@@ -21,6 +31,22 @@ constexpr qint32 defaultVisibleCount = 8;
 // Width of the size hint in average characters.
 constexpr int hintChars = 15;
 constexpr int minimumHintChars = 4;
+
+// The down arrow of the style's combo boxes, for the face of the drop-down button.
+QPixmap arrowFace(const QWidget &face)
+{
+    const int side = face.style()->pixelMetric(QStyle::PM_SmallIconSize) / 2 + 2;
+    const qreal ratio = face.devicePixelRatioF();
+    QPixmap pixmap(QSize(side, side) * ratio);
+    pixmap.setDevicePixelRatio(ratio);
+    pixmap.fill(Qt::transparent);
+    QPainter painter(&pixmap);
+    QStyleOption option;
+    option.initFrom(&face);
+    option.rect = QRect(0, 0, side, side);
+    face.style()->drawPrimitive(QStyle::PE_IndicatorArrowDown, &option, &painter, &face);
+    return pixmap;
+}
 
 QString defaultCaptionNothing()
 {
@@ -44,8 +70,33 @@ public:
     void showCaption(const QString &text);
     void release(std::vector<LBValue *> items);
 
+    int pctWidth() const;
+    void layoutChildren();
+    // The form whose title keeps its active look while the pop-up is open.
+    QWidget *form() const { return parentForm ? parentForm.data() : q->window(); }
+    void installHooks();
+    void CBSetFocus();
+    void cmdClick();
+    void openList();
+    void fillList();
+    void fmDown_OnClose();
+    void fmDown_OnItemCheck(qint16 &row, bool &checked);
+    // Drops the hooks and the pop-up without raising anything: the control is going.
+    void releaseQuietly();
+
     Down *const q;
     QComboBox *const txt;
+    QLabel *const pct; // the face of the drop-down button, over the combo box's own arrow
+    QLabel *const lbl; // lies over pct and takes its clicks
+    // Carries the pressed state of the face while lbl is held down. Never shown: lbl is where
+    // the user clicks.
+    QPushButton *const cmd;
+    QPointer<QWidget> parentForm;
+    HandlerClass *MHandler = nullptr;
+    qint32 handlerId = 0;
+    QPointer<DownForm> fmDown;
+    bool hooked = false;
+    bool filling = false;
     ItemList list;
     qint32 checkedCount = 0;
     QString caption;
@@ -58,7 +109,148 @@ public:
 DownPrivate::DownPrivate(Down *q)
     : q(q)
     , txt(new QComboBox(q))
+    , pct(new QLabel(q))
+    , lbl(new QLabel(q))
+    , cmd(new QPushButton(q))
 { }
+
+int DownPrivate::pctWidth() const
+{
+    QStyleOptionComboBox option;
+    option.initFrom(txt);
+    option.rect = QRect(0, 0, 200, qMax(1, txt->height()));
+    option.subControls = QStyle::SC_All;
+    const int arrow
+        = txt->style()
+              ->subControlRect(QStyle::CC_ComboBox, &option, QStyle::SC_ComboBoxArrow, txt)
+              .width();
+    return arrow > 0 ? arrow : txt->style()->pixelMetric(QStyle::PM_ScrollBarExtent);
+}
+
+void DownPrivate::layoutChildren()
+{
+    const QRect area = q->contentsRect();
+    txt->setGeometry(area);
+    const int face = pctWidth();
+    // Narrower than two faces the control is widened to exactly that.
+    q->setMinimumWidth(2 * face);
+    const QRect faceRect(area.right() + 1 - face, area.top(), face, area.height());
+    pct->setGeometry(faceRect);
+    lbl->setGeometry(faceRect);
+    cmd->setGeometry(faceRect);
+}
+
+void DownPrivate::installHooks()
+{
+    if (hooked)
+        return;
+    redraw = true;
+    parentForm = q->window();
+    showCaption(captionNothing);
+    MHandler = new HandlerClass(q);
+    QObject::connect(MHandler, &HandlerClass::CBSetFocus, q, [this] { CBSetFocus(); });
+    handlerId = WndModule::RegisterHandler(MHandler);
+    WndModule::Subclass(handlerId, txt, QStringLiteral("ComboBox"));
+    hooked = true;
+}
+
+void DownPrivate::CBSetFocus()
+{
+    // Frozen, so that the combo box does not flash its focus look before the pop-up covers it.
+    q->setUpdatesEnabled(false);
+    q->setFocus(Qt::MouseFocusReason);
+    attempt([&] { openList(); });
+    q->setUpdatesEnabled(true);
+}
+
+void DownPrivate::cmdClick()
+{
+    if (cmd->isDown())
+        attempt([&] { openList(); });
+}
+
+void DownPrivate::openList()
+{
+    if (!fmDown) {
+        fmDown = new DownForm(q);
+        QObject::connect(fmDown, &DownForm::OnClose, q, [this] { fmDown_OnClose(); });
+        QObject::connect(fmDown, &DownForm::OnItemCheck, q,
+                         [this](qint16 &row, bool &checked) { fmDown_OnItemCheck(row, checked); });
+    }
+    WndModule::Subclass(handlerId, form(), QStringLiteral("ParentForm"));
+    if (fmDown->isVisible())
+        return;
+    // The control's place in its own container read as a place on the form: a Down inside
+    // another container on the form opens off by that container's offset, as hosts know it.
+    const QPoint at = form()->mapToGlobal(q->pos());
+    fillList();
+    fmDown->ShowAtPos(at.x(), at.y() + q->height(), q->width(), visibleCount);
+}
+
+void DownPrivate::fillList()
+{
+    filling = true;
+    for (LBValue *item : list.items()) {
+        const LBValuePrivate *state = LBValuePrivate::get(item);
+        attempt([&] { fmDown->addRow(state->text, state->itemIndex, state->checked); });
+    }
+    filling = false;
+}
+
+void DownPrivate::fmDown_OnClose()
+{
+    WndModule::Unsubclass(form());
+    fmDown = nullptr;
+    Q_EMIT q->OnClose();
+}
+
+void DownPrivate::fmDown_OnItemCheck(qint16 &row, bool &checked)
+{
+    if (filling)
+        return;
+    // The row is mapped to a position by its number alone, also when items were placed at a
+    // wanted row and the pop-up's order differs from the list's: hosts count on that order.
+    attempt([&] {
+        LBValue *item = list.item(qint32(row) + 1);
+        LBValuePrivate::get(item)->checked = checked;
+        LBValue *handed = item;
+        Q_EMIT q->OnItemCheck(row, handed);
+        const bool now = item->Checked();
+        if (now != checked) {
+            checked = now; // vetoed: the row shows it, the count and caption stay
+            return;
+        }
+        addToCount(checked ? 1 : -1);
+        if (checkedCount == 0) {
+            showCaption(captionNothing);
+        } else if (checkedCount == 1) {
+            for (LBValue *candidate : list.items()) {
+                if (candidate->Checked()) {
+                    showCaption(candidate->Text());
+                    break;
+                }
+            }
+        } else {
+            showCaption(captionGroup);
+        }
+    });
+}
+
+void DownPrivate::releaseQuietly()
+{
+    if (fmDown) {
+        QObject::disconnect(fmDown, nullptr, q, nullptr);
+        fmDown->DoClose();
+        fmDown = nullptr;
+        WndModule::Unsubclass(form());
+    }
+    if (hooked) {
+        WndModule::Unsubclass(txt);
+        WndModule::UnregisterHandler(handlerId);
+    }
+    delete MHandler;
+    MHandler = nullptr;
+}
 
 void DownPrivate::addToCount(qint32 delta)
 {
@@ -96,14 +288,28 @@ Down::Down(QWidget *parent)
 {
     d->txt->setObjectName(QStringLiteral("txt"));
     d->txt->setAccessibleName(tr("Selection"));
-    d->txt->installEventFilter(this);
     setFocusProxy(d->txt);
     setFocusPolicy(d->txt->focusPolicy());
+
+    d->pct->setObjectName(QStringLiteral("pct"));
+    d->pct->setFrameStyle(QFrame::StyledPanel | QFrame::Raised);
+    d->pct->setAutoFillBackground(true);
+    d->pct->setBackgroundRole(QPalette::Button);
+    d->pct->setAlignment(Qt::AlignCenter);
+    d->pct->setPixmap(arrowFace(*d->pct));
+    d->lbl->setObjectName(QStringLiteral("lbl"));
+    d->lbl->installEventFilter(this);
+    d->cmd->setObjectName(QStringLiteral("cmd"));
+    d->cmd->setFocusPolicy(Qt::NoFocus);
+    d->cmd->hide();
+    connect(d->cmd, &QPushButton::clicked, this, [this] { d->cmdClick(); });
+    d->lbl->raise();
+    d->layoutChildren();
 }
 
 Down::~Down()
 {
-    d->txt->removeEventFilter(this);
+    d->releaseQuietly();
 }
 
 // ---- persistence
@@ -130,10 +336,8 @@ void Down::ReadProperties(PropertyBag &bag)
         d->captionGroup
             = CStr(bag.ReadProperty(QStringLiteral("CaptionGroup"), defaultCaptionGroup()));
     });
-    if (UserMode()) {
-        d->redraw = true;
-        d->showCaption(d->captionNothing);
-    }
+    if (UserMode())
+        d->installHooks();
 }
 
 void Down::WriteProperties(PropertyBag &bag)
@@ -205,6 +409,19 @@ LBValue *Down::ListItem(const QVariant &Index) const
     return d->list.item(Index);
 }
 
+void Down::Free()
+{
+    // The hooked flag stays set: the hooks are never installed again for this control.
+    if (d->hooked)
+        WndModule::Unsubclass(d->txt);
+    if (d->fmDown)
+        d->fmDown->DoClose();
+    if (d->hooked)
+        WndModule::UnregisterHandler(d->handlerId);
+    delete d->MHandler;
+    d->MHandler = nullptr;
+}
+
 // ---- properties
 
 qint32 Down::CheckedCount() const
@@ -273,18 +490,36 @@ QSize Down::minimumSizeHint() const
 
 bool Down::eventFilter(QObject *watched, QEvent *event)
 {
-    // The combo box's own list never opens: the check list opens here in a later step.
-    if (watched == d->txt
-        && (event->type() == QEvent::MouseButtonPress
-            || event->type() == QEvent::MouseButtonDblClick))
-        return true;
+    if (watched == d->lbl) {
+        // Holding the face down presses cmd, and pressing it is its click.
+        if (event->type() == QEvent::MouseButtonPress
+            || event->type() == QEvent::MouseButtonDblClick) {
+            d->cmd->setDown(true);
+            d->pct->setFrameShadow(QFrame::Sunken);
+            d->cmdClick();
+            return true;
+        }
+        if (event->type() == QEvent::MouseButtonRelease) {
+            d->cmd->setDown(false);
+            d->pct->setFrameShadow(QFrame::Raised);
+            return true;
+        }
+    }
     return Control::eventFilter(watched, event);
 }
 
 void Down::resizeEvent(QResizeEvent *event)
 {
     Control::resizeEvent(event);
-    d->txt->setGeometry(contentsRect());
+    d->layoutChildren();
+}
+
+void Down::applyEnabled(bool enabled)
+{
+    Control::applyEnabled(enabled);
+    for (QWidget *child : {static_cast<QWidget *>(d->txt), static_cast<QWidget *>(d->cmd),
+                           static_cast<QWidget *>(d->lbl)})
+        child->setEnabled(enabled);
 }
 
 } // namespace zelkon
