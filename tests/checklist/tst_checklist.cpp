@@ -607,7 +607,9 @@ private Q_SLOTS:
         QFETCH(QStringList, checked);
         QFETCH(QVariant, arVis);
 
-        m_platform->setUiLanguage(QLocale::German); // no dialog texts of its own: English ones
+        // German has no dialog texts of its own, so the buttons are English; the accessible names
+        // are German
+        m_platform->setUiLanguage(QLocale::German);
         CheckCombo *combo = showCombo({"a", "b", "c", "d"});
         combo->setArrayChecked(list1({"a", "b"}));
         openAndActivate(combo);
@@ -620,7 +622,7 @@ private Q_SLOTS:
             auto *no = part<QPushButton>(dialog, "btnNo");
             QCOMPARE(no->text(), QStringLiteral("No"));
             auto *box = part<QListWidget>(dialog, "HideBox");
-            QCOMPARE(box->accessibleName(), QStringLiteral("Rows to show"));
+            QCOMPARE(box->accessibleName(), QStringLiteral("Angezeigte Zeilen"));
             for (int row : unmark) // the user clicks the rows off
                 QTest::mouseClick(box->viewport(), Qt::LeftButton, {},
                                   box->visualItemRect(box->item(row)).center());

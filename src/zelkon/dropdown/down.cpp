@@ -4,6 +4,7 @@
 #include <zelkon/common/ignoreerrors_p.h>
 #include <zelkon/common/propertybag.h>
 #include <zelkon/common/registry.h>
+#include <zelkon/common/strings_p.h>
 #include <zelkon/dropdown/down.h>
 #include <zelkon/dropdown/downform_p.h>
 #include <zelkon/dropdown/handlerclass_p.h>
@@ -287,7 +288,7 @@ Down::Down(QWidget *parent)
     , d(std::make_unique<DownPrivate>(this))
 {
     d->txt->setObjectName(QStringLiteral("txt"));
-    d->txt->setAccessibleName(tr("Selection"));
+    d->txt->setAccessibleName(loadString("selection"));
     setFocusProxy(d->txt);
     setFocusPolicy(d->txt->focusPolicy());
 

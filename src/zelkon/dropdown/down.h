@@ -96,7 +96,9 @@ Q_SIGNALS:
     void OnItemCheck(qint16 &ItemIndex, zelkon::LBValue *&Item);
 
 protected:
+    /// Presses on the drop-down face, which open the pop-up.
     bool eventFilter(QObject *watched, QEvent *event) override;
+    /// Lays the combo box, the face and its label out.
     void resizeEvent(QResizeEvent *event) override;
     void applyEnabled(bool enabled) override;
 

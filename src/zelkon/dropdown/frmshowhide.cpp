@@ -28,10 +28,10 @@ frmShowHide::frmShowHide(QWidget *parent)
     m_btnNo = new QPushButton(loadString(107), this);
     m_btnNo->setObjectName(QStringLiteral("btnNo"));
     setAccessibleName(windowTitle());
-    m_hideBox->setAccessibleName(tr("Rows to show"));
-    m_hideBox->setAccessibleDescription(tr("Marked rows stay in the list"));
-    m_btnYes->setAccessibleDescription(tr("Show the marked rows only"));
-    m_btnNo->setAccessibleDescription(tr("Keep the rows as they are"));
+    m_hideBox->setAccessibleName(loadString("rowsToShow"));
+    m_hideBox->setAccessibleDescription(loadString("markedRowsStay"));
+    m_btnYes->setAccessibleDescription(loadString("showMarkedOnly"));
+    m_btnNo->setAccessibleDescription(loadString("keepRows"));
 
     auto *buttons = new QHBoxLayout;
     buttons->addStretch();
