@@ -17,3 +17,6 @@
 #include <zelkon/common/variantarray.h>
 #include <zelkon/common/variants.h>
 #include <zelkon/common/version.h>
+#include <zelkon/query/filtercondition.h>
+#include <zelkon/query/filterproxymodel.h>
+#include <zelkon/query/filterquery.h>

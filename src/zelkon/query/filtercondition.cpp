@@ -1,0 +1,186 @@
+#include <zelkon/query/filtercondition.h>
+#include <zelkon/query/filtercondition_p.h>
+
+#include <zelkon/common/variants.h>
+
+#include <QDate>
+#include <QDateTime>
+#include <QSqlDriver>
+#include <QSqlQuery>
+
+#include <optional>
+
+namespace zelkon {
+
+namespace {
+
+const FilterConditionPrivate &emptyCondition()
+{
+    static const FilterConditionPrivate empty;
+    return empty;
+}
+
+QString quoted(const QString &column, const QSqlDriver *driver)
+{
+    if (driver)
+        return driver->escapeIdentifier(column, QSqlDriver::FieldName);
+    // Standard SQL: double quotes, a quote inside doubled; "t.c" stays one name.
+    QString text = column;
+    text.replace(QLatin1Char('"'), QLatin1String("\"\""));
+    return QLatin1Char('"') + text + QLatin1Char('"');
+}
+
+QLatin1String operatorText(FilterTerm::Op op)
+{
+    switch (op) {
+    case FilterTerm::Op::In:
+        return QLatin1String(" IN (");
+    case FilterTerm::Op::NotIn:
+        return QLatin1String(" NOT IN (");
+    case FilterTerm::Op::AtLeast:
+        return QLatin1String(" >= ?");
+    case FilterTerm::Op::AtMost:
+        return QLatin1String(" <= ?");
+    case FilterTerm::Op::Below:
+        return QLatin1String(" < ?");
+    case FilterTerm::Op::Equal:
+        break;
+    }
+    return QLatin1String(" = ?");
+}
+
+// -1, 0 or 1 as a database orders the two values in the term's kind; nullopt when the cell does
+// not read as that kind (which a database would not match either).
+std::optional<int> compare(const QVariant &cell, const QVariant &value, FilterTerm::Kind kind)
+{
+    const auto order = [](const auto &a, const auto &b) { return a < b ? -1 : (b < a ? 1 : 0); };
+    switch (kind) {
+    case FilterTerm::Kind::Integer: {
+        bool ok = false;
+        const qlonglong n = cell.toLongLong(&ok);
+        return ok ? std::optional<int>(order(n, value.toLongLong())) : std::nullopt;
+    }
+    case FilterTerm::Kind::Number: {
+        bool ok = false;
+        const double n = cell.toDouble(&ok);
+        return ok ? std::optional<int>(order(n, value.toDouble())) : std::nullopt;
+    }
+    case FilterTerm::Kind::Date: {
+        const QDate date
+            = cell.typeId() == QMetaType::QDateTime ? cell.toDateTime().date() : cell.toDate();
+        return date.isValid() ? std::optional<int>(order(date, value.toDate())) : std::nullopt;
+    }
+    case FilterTerm::Kind::DateTime: {
+        const QDateTime time = cell.toDateTime();
+        return time.isValid() ? std::optional<int>(order(time, value.toDateTime())) : std::nullopt;
+    }
+    case FilterTerm::Kind::Variant:
+        if (isNumberType(value))
+            return compare(cell, value, FilterTerm::Kind::Number);
+        break;
+    case FilterTerm::Kind::Text:
+        break;
+    }
+    return order(cell.toString(), value.toString());
+}
+
+} // namespace
+
+bool FilterTerm::accepts(const QVariant &cell) const
+{
+    if (!cell.isValid() || cell.isNull())
+        return false;
+    const auto is = [&](const QVariant &value, auto test) {
+        const std::optional<int> c = compare(cell, value, kind);
+        return c && test(*c);
+    };
+    switch (op) {
+    case Op::In:
+    case Op::NotIn: {
+        bool found = false;
+        bool readable = true;
+        for (const QVariant &value : values) {
+            const std::optional<int> c = compare(cell, value, kind);
+            readable = readable && c.has_value();
+            if (c == 0) {
+                found = true;
+                break;
+            }
+        }
+        return op == Op::In ? found : readable && !found;
+    }
+    case Op::AtLeast:
+        return is(values.first(), [](int c) { return c >= 0; });
+    case Op::AtMost:
+        return is(values.first(), [](int c) { return c <= 0; });
+    case Op::Below:
+        return is(values.first(), [](int c) { return c < 0; });
+    case Op::Equal:
+        break;
+    }
+    return is(values.first(), [](int c) { return c == 0; });
+}
+
+FilterCondition FilterConditionPrivate::make(QList<FilterTerm> terms, const QSqlDriver *driver)
+{
+    auto p = std::make_shared<FilterConditionPrivate>();
+    qsizetype count = 0;
+    for (const FilterTerm &term : terms)
+        count += term.values.size();
+    p->values.reserve(count);
+    // Every term adds its quoted column, a fixed operator and one "?" per value, nothing else.
+    for (const FilterTerm &term : terms) {
+        if (!p->where.isEmpty())
+            p->where += QLatin1String(" AND ");
+        p->where += quoted(term.column, driver);
+        p->where += operatorText(term.op);
+        if (term.op == FilterTerm::Op::In || term.op == FilterTerm::Op::NotIn) {
+            QString marks;
+            marks.reserve(term.values.size() * 3);
+            for (qsizetype i = 0; i < term.values.size(); ++i)
+                marks += i ? QLatin1String(", ?") : QLatin1String("?");
+            p->where += marks;
+            p->where += QLatin1Char(')');
+        }
+        p->values += term.values;
+    }
+    p->terms_ = std::move(terms);
+    FilterCondition condition;
+    condition.d = std::move(p);
+    return condition;
+}
+
+const QList<FilterTerm> &FilterConditionPrivate::terms(const FilterCondition &condition)
+{
+    return condition.d ? condition.d->terms_ : emptyCondition().terms_;
+}
+
+FilterCondition::FilterCondition() = default;
+FilterCondition::FilterCondition(const FilterCondition &other) = default;
+FilterCondition &FilterCondition::operator=(const FilterCondition &other) = default;
+FilterCondition::~FilterCondition() = default;
+
+bool FilterCondition::isEmpty() const
+{
+    return !d || d->terms_.isEmpty();
+}
+
+QString FilterCondition::where() const
+{
+    return d ? d->where : QString();
+}
+
+QVariantList FilterCondition::values() const
+{
+    return d ? d->values : QVariantList();
+}
+
+void FilterCondition::bindValues(QSqlQuery &query) const
+{
+    if (!d)
+        return;
+    for (const QVariant &value : d->values)
+        query.addBindValue(value);
+}
+
+} // namespace zelkon

@@ -1,0 +1,282 @@
+#include "support/backends.h"
+#include "support/errorof.h"
+
+#include <zelkon/checklist/checkcombo.h>
+#include <zelkon/common/memorypropertybag.h>
+#include <zelkon/common/registry.h>
+#include <zelkon/common/variantarray.h>
+#include <zelkon/data/connection.h>
+#include <zelkon/navigator/navigator.h>
+#include <zelkon/numedit/numedit.h>
+#include <zelkon/query/filtercondition.h>
+#include <zelkon/query/filterproxymodel.h>
+#include <zelkon/query/filterquery.h>
+#include <zelkon/reldate/reldate.h>
+#include <zelkon/smallcontrols/combolistbox.h>
+#include <zelkon/test/testplatform.h>
+
+#include <QRandomGenerator>
+#include <QSettings>
+#include <QSqlDatabase>
+#include <QSqlDriver>
+#include <QSqlError>
+#include <QSqlQuery>
+#include <QSqlQueryModel>
+#include <QTemporaryDir>
+#include <QTest>
+
+using namespace zelkon;
+using namespace Qt::StringLiterals;
+
+namespace {
+
+const QStringList products = {u"Apple"_s, u"Bread"_s, u"Cheese"_s, u"Dates"_s, u"Eggs"_s};
+const QStringList customers = {u"Ann"_s, u"Bob"_s, u"O'Neil"_s, u"Zoë"_s};
+constexpr int regionCount = 6;
+
+template<typename T>
+T *make(QWidget *form, const QString &className)
+{
+    auto *control = qobject_cast<T *>(createControl(className, form));
+    MemoryPropertyBag defaults; // opened as a saved form: every property at its default
+    control->ReadProperties(defaults);
+    control->setObjectName(className + QString::number(form->children().size()));
+    return control;
+}
+
+// A filter form over the orders table with one control of every kind bound to a column.
+struct Form
+{
+    QWidget widget;
+    CheckCombo *regions = make<CheckCombo>(&widget, u"CheckCombo"_s);
+    CheckCombo *products = make<CheckCombo>(&widget, u"CheckCombo"_s);
+    RelDate *dayFrom = make<RelDate>(&widget, u"RelDate"_s);
+    RelDate *dayTo = make<RelDate>(&widget, u"RelDate"_s);
+    RelDate *stampFrom = make<RelDate>(&widget, u"RelDate"_s);
+    RelDate *stampTo = make<RelDate>(&widget, u"RelDate"_s);
+    NumEdit *min = make<NumEdit>(&widget, u"NumEdit"_s);
+    NumEdit *max = make<NumEdit>(&widget, u"NumEdit"_s);
+    Navigator *customer = make<Navigator>(&widget, u"Navigator"_s);
+    ComboListBox *status = make<ComboListBox>(&widget, u"ComboListBox"_s);
+    Control *category = make<Control>(&widget, u"Down"_s);
+    FilterQuery query;
+
+    Form()
+    {
+        VariantArray block({{0, 1}, {0, regionCount - 1}});
+        for (qint32 i = 0; i < regionCount; ++i) {
+            block.at({0, i}) = u"Region %1"_s.arg(i + 1);
+            block.at({1, i}) = i + 1;
+        }
+        regions->setTypeData(CheckCombo::ArData);
+        regions->setSArrayData(QVariant::fromValue(block));
+        products->setTypeData(CheckCombo::ArData);
+        products->setSArrayData(QVariantList(::products.cbegin(), ::products.cend()));
+        status->setInputArray(
+            QVariantList{QVariantList{u"new"_s, u"paid"_s, u"sent"_s}, QVariantList{1, 2, 3}});
+        for (int value : {10, 20, 30})
+            addCategory(u"Category %1"_s.arg(value), value);
+        addCategory(u"No value"_s, missingVariant());
+
+        query.bindCheckCombo(regions, u"region_id"_s);
+        query.bindCheckCombo(products, u"product"_s, FilterQuery::Match::ByText);
+        query.bindDateRange(dayFrom, dayTo, u"day"_s);
+        query.bindDateRange(stampFrom, stampTo, u"stamp"_s, FilterQuery::DateColumn::DateTime);
+        query.bindNumberRange(min, max, u"amount"_s, FilterQuery::Zero::MeansUnset);
+        query.bindNavigator(customer, u"customer"_s);
+        query.bindComboListBox(status, u"status"_s);
+        query.bindDown(category, u"category"_s);
+    }
+    ~Form()
+    {
+        // Down wants Free before it goes, where its popup has it.
+        if (category->metaObject()->indexOfMethod("Free()") >= 0)
+            QMetaObject::invokeMethod(category, "Free");
+    }
+
+    void addCategory(const QString &text, const QVariant &value)
+    {
+        QMetaObject::invokeMethod(category, "AddItem", Q_ARG(QString, text), Q_ARG(QString, {}),
+                                  Q_ARG(QVariant, value), Q_ARG(bool, false),
+                                  Q_ARG(QVariant, missingVariant()));
+    }
+    QObject *categoryItem(int position) const
+    {
+        QObject *item = nullptr;
+        const QMetaObject *meta = category->metaObject();
+        const QMetaMethod listItem = meta->method(meta->indexOfMethod("ListItem(QVariant)"));
+        listItem.invoke(category, Qt::DirectConnection,
+                        QGenericReturnArgument(listItem.typeName(), &item),
+                        Q_ARG(QVariant, position));
+        return item;
+    }
+};
+
+// A date bound as the seed draws it: "All", a day count from today or a day of its own.
+QVariant drawDate(QRandomGenerator &random, RelDate *field)
+{
+    switch (random.bounded(3)) {
+    case 0:
+        field->setRetDate(u"All"_s);
+        return {};
+    case 1:
+        field->setRelative(true);
+        field->setRetNum(random.bounded(-60, 20));
+        return {};
+    }
+    field->setRelative(false);
+    field->setRetDate(QDateTime(QDate(2024, 3, 1).addDays(random.bounded(100)), QTime(0, 0)));
+    return {};
+}
+
+// The checks of a list as the seed draws them: none, every row, or some, and Inv.
+QVariantList drawChecks(QRandomGenerator &random, const QVariantList &rows)
+{
+    const int mode = random.bounded(4);
+    QVariantList checked;
+    for (const QVariant &row : rows) {
+        if (mode == 1 || (mode > 1 && random.bounded(2)))
+            checked.append(row);
+    }
+    return checked;
+}
+
+} // namespace
+
+class tst_Query : public QObject
+{
+    Q_OBJECT
+
+    TestPlatform m_platform; // today is 2024-05-10
+    QTemporaryDir m_dir;
+    const QString m_sqlite = u"Driver=QSQLITE;Database="_s + m_dir.filePath(u"orders.db"_s);
+    const QString m_pg = qEnvironmentVariable("ZELKON_TEST_PG");
+    // One table per test process, so that two runs against one server do not meet.
+    const QString m_table = u"zelkon_orders_%1"_s.arg(QCoreApplication::applicationPid());
+    QString m_cs;
+
+    // Orders with every kind of value, NULLs among them, and times at midnight and late on the
+    // days the bounds fall on.
+    void createOrders(const QString &connectionString, bool create)
+    {
+        Connection connection;
+        connection.Open(connectionString);
+        QSqlQuery q(connection.database());
+        QVERIFY(q.exec(u"DROP TABLE IF EXISTS "_s + m_table));
+        if (!create)
+            return;
+        QVERIFY(q.exec(u"CREATE TABLE %1 (id INTEGER, region_id INTEGER, product VARCHAR(20), "
+                       "day DATE, stamp TIMESTAMP, amount DOUBLE PRECISION, customer VARCHAR(20), "
+                       "status INTEGER, category INTEGER)"_s.arg(m_table)));
+        QVERIFY(q.prepare(u"INSERT INTO %1 VALUES (?, ?, ?, ?, ?, ?, ?, ?, ?)"_s.arg(m_table)));
+        QRandomGenerator random(14);
+        const auto maybe = [&random](const QVariant &value, QMetaType type) {
+            return random.bounded(12) == 0 ? QVariant(type) : value;
+        };
+        const QTime times[] = {QTime(0, 0), QTime(12, 30), QTime(23, 59, 59)};
+        for (int id = 1; id <= 600; ++id) {
+            const QDate day = QDate(2024, 3, 1).addDays(random.bounded(110));
+            const QVariantList row = {
+                id,
+                maybe(random.bounded(1, regionCount + 1), QMetaType::fromType<int>()),
+                maybe(products.at(random.bounded(products.size())), QMetaType::fromType<QString>()),
+                maybe(day, QMetaType::fromType<QDate>()),
+                maybe(QDateTime(day, times[random.bounded(3)]), QMetaType::fromType<QDateTime>()),
+                maybe(random.bounded(5) ? random.bounded(-5000, 50000) / 100.0 : 0.0,
+                      QMetaType::fromType<double>()),
+                maybe(customers.at(random.bounded(customers.size())),
+                      QMetaType::fromType<QString>()),
+                random.bounded(1, 4),
+                maybe(10 * random.bounded(1, 4), QMetaType::fromType<int>())};
+            for (const QVariant &value : row)
+                q.addBindValue(value);
+            QVERIFY2(q.exec(), qPrintable(q.lastError().text()));
+        }
+    }
+
+    // Given random control states, the ids of the rows the database returns and those the
+    // proxy model shows over the whole table.
+    void compareOnBackend(Form &form)
+    {
+        Connection connection;
+        connection.Open(m_cs);
+        QSqlQuery sql(connection.database());
+        QVERIFY(form.query.prepare(sql, u"SELECT id FROM "_s + m_table, u"ORDER BY id"_s));
+        QVERIFY2(sql.exec(), qPrintable(sql.lastError().text()));
+        QList<int> fromSql;
+        while (sql.next())
+            fromSql.append(sql.value(0).toInt());
+
+        QSqlQueryModel all;
+        all.setQuery(u"SELECT * FROM %1 ORDER BY id"_s.arg(m_table), connection.database());
+        while (all.canFetchMore())
+            all.fetchMore();
+        FilterProxyModel proxy;
+        proxy.setSourceModel(&all);
+        proxy.setCondition(form.query.build(connection.database().driver()));
+        QList<int> inMemory;
+        for (int row = 0; row < proxy.rowCount(); ++row)
+            inMemory.append(proxy.index(row, 0).data().toInt());
+
+        QCOMPARE(inMemory, fromSql);
+        all.clear();
+    }
+
+private Q_SLOTS:
+    void initTestCase_data() { addBackends(m_sqlite); }
+    void initTestCase()
+    {
+        QVERIFY(m_dir.isValid());
+        for (const QString &cs : availableBackends(m_sqlite))
+            createOrders(cs, true);
+    }
+    void cleanupTestCase()
+    {
+        if (!m_pg.isEmpty())
+            createOrders(m_pg, false);
+    }
+    void init() { ZELKON_USE_BACKEND(m_cs); }
+
+    void sameRowsAsTheDatabase_data()
+    {
+        QTest::addColumn<int>("seed");
+        for (int seed = 1; seed <= 24; ++seed)
+            QTest::addRow("seed %d", seed) << seed;
+    }
+    void sameRowsAsTheDatabase()
+    {
+        QFETCH(int, seed);
+        QRandomGenerator random{quint32(seed)};
+        // Each control restricts in about half the cases, so that the rows left vary.
+        const auto draw = [&random] { return random.bounded(2) == 0; };
+        Form form;
+        QVariantList ids;
+        for (int i = 1; i <= regionCount; ++i)
+            ids.append(i);
+        if (draw())
+            form.regions->setArrayCheckedID(drawChecks(random, ids));
+        form.regions->setInv(draw());
+        if (draw())
+            form.products->setArrayChecked(
+                drawChecks(random, QVariantList(products.cbegin(), products.cend())));
+        form.products->setInv(draw());
+        for (RelDate *field : {form.dayFrom, form.dayTo, form.stampFrom, form.stampTo}) {
+            if (draw())
+                drawDate(random, field);
+            else
+                field->setRetDate(u"All"_s);
+        }
+        form.min->setValue(draw() ? random.bounded(-50, 300) : 0);
+        form.max->setValue(draw() ? random.bounded(0, 500) : 0);
+        form.customer->setText(draw() ? customers.at(random.bounded(customers.size())) : u" "_s);
+        if (draw())
+            form.status->setValueID(qint16(random.bounded(1, 4)));
+        for (int position = 1; position <= 4; ++position)
+            form.categoryItem(position)->setProperty("Checked", random.bounded(4) == 0);
+
+        compareOnBackend(form);
+    }
+};
+
+QTEST_MAIN(tst_Query)
+#include "tst_query.moc"
