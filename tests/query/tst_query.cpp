@@ -16,6 +16,7 @@
 #include <zelkon/test/testplatform.h>
 
 #include <QRandomGenerator>
+#include <QScopeGuard>
 #include <QSettings>
 #include <QSqlDatabase>
 #include <QSqlDriver>
@@ -275,6 +276,138 @@ private Q_SLOTS:
             form.categoryItem(position)->setProperty("Checked", random.bounded(4) == 0);
 
         compareOnBackend(form);
+    }
+
+    // The condition's text and values for the states a host meets; no database needed.
+    void condition_data()
+    {
+        QTest::addColumn<QVariantList>("checked");
+        QTest::addColumn<bool>("inv");
+        QTest::addColumn<QVariant>("from"); // a day count, a date, or nothing for "All"
+        QTest::addColumn<QVariant>("to");
+        QTest::addColumn<bool>("dateTime");
+        QTest::addColumn<double>("min");
+        QTest::addColumn<double>("max");
+        QTest::addColumn<bool>("zeroIsValue");
+        QTest::addColumn<QString>("where");
+        QTest::addColumn<QVariantList>("values");
+        const QVariantList none;
+        const QDate june(2024, 6, 1);
+        QTest::newRow("nothing restricts") << none << true << QVariant() << QVariant() << false
+                                           << 0.0 << 0.0 << false << QString() << none;
+        QTest::newRow("every row checked is All")
+            << QVariantList{1, 2, 3, 4, 5, 6} << false << QVariant() << QVariant() << false << 0.0
+            << 0.0 << false << QString() << none;
+        QTest::newRow("Inv") << QVariantList{2, 5} << true << QVariant() << QVariant() << false
+                             << 0.0 << 0.0 << false << u"\"region_id\" NOT IN (?, ?)"_s
+                             << QVariantList{2, 5};
+        QTest::newRow("relative from, absolute to")
+            << none << false << QVariant(-7) << QVariant(june) << false << 0.0 << 0.0 << false
+            << u"\"day\" >= ? AND \"day\" <= ?"_s << QVariantList{QDate(2024, 5, 3), june};
+        QTest::newRow("to day inclusive for date-times")
+            << none << false << QVariant() << QVariant(0) << true << 0.0 << 0.0 << false
+            << u"\"stamp\" < ?"_s << QVariantList{QDateTime(QDate(2024, 5, 11), QTime(0, 0))};
+        QTest::newRow("zero is a value")
+            << none << false << QVariant() << QVariant() << false << 0.0 << 12.5 << true
+            << u"\"amount\" >= ? AND \"amount\" <= ?"_s << QVariantList{0.0, 12.5};
+        QTest::newRow("zero means unset")
+            << none << false << QVariant() << QVariant() << false << 0.0 << 12.5 << false
+            << u"\"amount\" <= ?"_s << QVariantList{12.5};
+    }
+    void condition()
+    {
+        QFETCH(QVariantList, checked);
+        QFETCH(bool, inv);
+        QFETCH(QVariant, from);
+        QFETCH(QVariant, to);
+        QFETCH(bool, dateTime);
+        QFETCH(double, min);
+        QFETCH(double, max);
+        QFETCH(bool, zeroIsValue);
+        Form form;
+        FilterQuery query;
+        query.bindCheckCombo(form.regions, u"region_id"_s);
+        query.bindDateRange(form.dayFrom, form.dayTo, dateTime ? u"stamp"_s : u"day"_s,
+                            dateTime ? FilterQuery::DateColumn::DateTime
+                                     : FilterQuery::DateColumn::Date);
+        query.bindNumberRange(form.min, form.max, u"amount"_s,
+                              zeroIsValue ? FilterQuery::Zero::IsValue
+                                          : FilterQuery::Zero::MeansUnset);
+        form.regions->setArrayCheckedID(checked);
+        form.regions->setInv(inv);
+        for (auto [field, bound] : {std::pair{form.dayFrom, from}, std::pair{form.dayTo, to}}) {
+            if (!bound.isValid())
+                field->setRetDate(u"All"_s);
+            else if (bound.typeId() == QMetaType::Int)
+                field->setRetNum(bound.toInt()); // relative, as a new field is
+            else
+                field->setRelative(false), field->setRetDate(bound.toDate().startOfDay());
+        }
+        form.min->setValue(min);
+        form.max->setValue(max);
+
+        QTEST(query.where(), "where");
+        QTEST(query.values(), "values");
+    }
+
+    void identifiersQuotedByTheDriver()
+    {
+        Form form;
+        FilterQuery query;
+        QCOMPARE(errorOf([&] { query.bindNavigator(nullptr, u"x"_s); }), 91);
+        query.bindNavigator(form.customer, u"we\"ird"_s);
+        form.customer->setText(u"x') OR 1=1 --"_s);
+        Connection connection;
+        connection.Open(m_sqlite);
+        QCOMPARE(query.where(connection.database().driver()), u"\"we\"\"ird\" = ?"_s);
+        QCOMPARE(query.values(), QVariantList{u"x') OR 1=1 --"_s});
+    }
+
+    // A user keeps "my regions, the last 30 days" and gets it back on another day.
+    void presets()
+    {
+        // Given a filled form saved as a preset
+        Form form;
+        form.regions->setArrayCheckedID(QVariantList{2, 3});
+        form.regions->setInv(true);
+        form.products->setArrayChecked(QVariantList{u"Bread"_s});
+        form.dayFrom->setRetNum(-30);
+        form.dayTo->setRelative(false);
+        form.dayTo->setRetDate(QDate(2024, 5, 10).startOfDay()); // today: the bag leaves it out
+        form.stampFrom->setRetDate(u"All"_s);
+        form.stampTo->setRetDate(u"All"_s);
+        form.min->setValue(5);
+        form.customer->setText(u"Bob"_s);
+        form.status->setValueID(2);
+        form.categoryItem(2)->setProperty("Checked", true);
+        const QString where = form.query.where();
+        QVariantList values = form.query.values();
+        form.query.savePreset(u"mine"_s);
+        QSettings settings(m_dir.filePath(u"presets.ini"_s), QSettings::IniFormat);
+        form.query.writePresets(settings);
+
+        // When everything changes, a day passes and the preset comes back from the settings
+        form.regions->ClearAll();
+        form.regions->setInv(false);
+        form.products->ClearAll();
+        form.dayFrom->setRetDate(u"All"_s);
+        form.dayTo->setRetDate(u"All"_s);
+        form.min->setValue(0);
+        form.customer->setText(u" "_s);
+        form.status->setValueID(3);
+        form.categoryItem(2)->setProperty("Checked", false);
+        form.query.removePreset(u"mine"_s);
+        QVERIFY(!form.query.restorePreset(u"mine"_s));
+        form.query.readPresets(settings);
+        const auto backToToday = qScopeGuard([this] { m_platform.setToday(QDate(2024, 5, 10)); });
+        m_platform.setToday(QDate(2024, 5, 11));
+        QVERIFY(form.query.restorePreset(u"mine"_s));
+
+        // Then the form filters as before, with the relative day one day later
+        QCOMPARE(form.query.presetNames(), QStringList{u"mine"_s});
+        QCOMPARE(form.query.where(), where);
+        values[3] = QDate(2024, 4, 11);
+        QCOMPARE(form.query.values(), values);
     }
 };
 
