@@ -67,7 +67,8 @@ void buildCondition(benchmark::State &state)
         texts.append(QStringLiteral("Item %1").arg(i));
     big->setArrayChecked(texts);
     auto *small = make<CheckCombo>(&form, "CheckCombo");
-    small->setSArrayData(QVariantList{QStringLiteral("a"), QStringLiteral("b"), QStringLiteral("c")});
+    small->setSArrayData(
+        QVariantList{QStringLiteral("a"), QStringLiteral("b"), QStringLiteral("c")});
     small->setArrayChecked(QVariantList{QStringLiteral("b")});
     auto *from = make<RelDate>(&form, "RelDate");
     auto *to = make<RelDate>(&form, "RelDate");
@@ -91,7 +92,7 @@ void buildCondition(benchmark::State &state)
     query.bindCheckCombo(small, QStringLiteral("letter"), FilterQuery::Match::ByText);
     query.bindDateRange(from, to, QStringLiteral("day"));
     query.bindDateRange(stampFrom, stampTo, QStringLiteral("stamp"),
-                       FilterQuery::DateColumn::DateTime);
+                        FilterQuery::DateColumn::DateTime);
     query.bindNumberRange(min, max, QStringLiteral("amount"), FilterQuery::Zero::MeansUnset);
     query.bindNavigator(customer, QStringLiteral("customer"));
     query.bindComboListBox(status, QStringLiteral("status"));
@@ -109,7 +110,8 @@ void buildCondition(benchmark::State &state)
         if (ids.toList().size() != Rows || condition.values().size() != Rows + 9)
             state.SkipWithError("the condition does not hold every checked row");
     }
-    zelkon::bench::report(state, "build condition vs ArrayCheckedID", median(reads), median(builds));
+    zelkon::bench::report(state, "build condition vs ArrayCheckedID", median(reads),
+                          median(builds));
     // report() divides by the iterations: the medians are per run already.
     state.counters["bare_ms"] = std::chrono::duration<double, std::milli>(median(reads)).count();
     state.counters["zelkon_ms"] = std::chrono::duration<double, std::milli>(median(builds)).count();
@@ -124,5 +126,6 @@ int main(int argc, char **argv)
     if (qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM"))
         qputenv("QT_QPA_PLATFORM", "offscreen");
     QApplication app(argc, argv);
-    return zelkon::bench::runAndPrintRatios(argc, argv, {{"build condition vs ArrayCheckedID", 2.0}});
+    return zelkon::bench::runAndPrintRatios(argc, argv,
+                                            {{"build condition vs ArrayCheckedID", 2.0}});
 }

@@ -20,11 +20,41 @@ const FilterConditionPrivate &emptyCondition()
     return empty;
 }
 
+// Whether the text is one quoted name, or several joined by '.', in a form some SQL dialect
+// reads as a name: "a""b", `a``b` or [a b].
+bool isQuotedName(QStringView text)
+{
+    qsizetype at = 0;
+    while (at < text.size()) {
+        const QChar open = text.at(at);
+        const QChar close = open == u'[' ? QChar(u']') : open;
+        if (open != u'"' && open != u'`' && open != u'[')
+            return false;
+        for (++at;; ++at) {
+            if (at >= text.size())
+                return false;
+            if (text.at(at) != close)
+                continue;
+            if (close != u']' && at + 1 < text.size() && text.at(at + 1) == close)
+                ++at; // a doubled quote inside the name
+            else
+                break;
+        }
+        if (++at < text.size() && (text.at(at) != u'.' || ++at == text.size()))
+            return false;
+    }
+    return !text.isEmpty();
+}
+
 QString quoted(const QString &column, const QSqlDriver *driver)
 {
-    if (driver)
-        return driver->escapeIdentifier(column, QSqlDriver::FieldName);
-    // Standard SQL: double quotes, a quote inside doubled; "t.c" stays one name.
+    // A driver leaves a name alone that looks quoted to it at one end, so its answer is taken
+    // only when it is a quoted name through and through; otherwise standard SQL quoting.
+    if (driver) {
+        const QString escaped = driver->escapeIdentifier(column, QSqlDriver::FieldName);
+        if (isQuotedName(escaped))
+            return escaped;
+    }
     QString text = column;
     text.replace(QLatin1Char('"'), QLatin1String("\"\""));
     return QLatin1Char('"') + text + QLatin1Char('"');

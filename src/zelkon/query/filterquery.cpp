@@ -158,6 +158,8 @@ class FilterQueryPrivate
 public:
     void add(Binding binding, std::initializer_list<QObject *> controls)
     {
+        if (binding.column.isEmpty())
+            throw Error(InvalidProcedureCall, QStringLiteral("FilterQuery: no column to bind to"));
         if (std::none_of(controls.begin(), controls.end(), [](QObject *c) { return c; }))
             throw Error(ObjectNotSet, QStringLiteral("FilterQuery: no control to bind"));
         for (QObject *control : controls) {

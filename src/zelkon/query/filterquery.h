@@ -32,7 +32,7 @@ class RelDate;
 /// (FilterProxyModel). Named presets save and restore the bound controls' state.
 ///
 /// Controls are watched, not owned: a control destroyed after binding no longer restricts.
-/// Binding a null control raises zelkon::Error 91.
+/// Binding a null control raises zelkon::Error 91, an empty column name Error 5.
 class ZELKON_EXPORT FilterQuery
 {
 public:
