@@ -359,6 +359,7 @@ private Q_SLOTS:
         QTest::addColumn<QString>("column");
         QTest::addColumn<QString>("where");
         QTest::newRow("quote inside") << u"we\"ird"_s << u"\"we\"\"ird\" = ?"_s;
+        QTest::newRow("table and column") << u"o.day"_s << u"\"o\".\"day\" = ?"_s;
         QTest::newRow("quoted already") << u"\"Order\""_s << u"\"Order\" = ?"_s;
         QTest::newRow("quoted at the ends only")
             << u"\"a\" OR \"b\""_s << u"\"\"\"a\"\" OR \"\"b\"\"\" = ?"_s;

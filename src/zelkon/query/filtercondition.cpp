@@ -51,7 +51,13 @@ QString quoted(const QString &column, const QSqlDriver *driver)
     // A driver leaves a name alone that looks quoted to it at one end, so its answer is taken
     // only when it is a quoted name through and through; otherwise standard SQL quoting.
     if (driver) {
-        const QString escaped = driver->escapeIdentifier(column, QSqlDriver::FieldName);
+        // "table.column" names a column of a table; a name the host quoted itself stays whole.
+        const bool plain
+            = !column.contains(u'"') && !column.contains(u'`') && !column.contains(u'[');
+        QStringList parts = plain ? column.split(u'.') : QStringList{column};
+        for (QString &part : parts)
+            part = driver->escapeIdentifier(part, QSqlDriver::FieldName);
+        const QString escaped = parts.join(u'.');
         if (isQuotedName(escaped))
             return escaped;
     }

@@ -31,8 +31,9 @@ class RelDate;
 /// placeholder, never written into the text. The same condition filters a model in memory
 /// (FilterProxyModel). Named presets save and restore the bound controls' state.
 ///
-/// Controls are watched, not owned: a control destroyed after binding no longer restricts.
-/// Binding a null control raises zelkon::Error 91, an empty column name Error 5.
+/// A column is written "table.column" or "column"; a name with a quote or bracket in it is
+/// taken as one name. Controls are watched, not owned: a control destroyed after binding no longer
+/// restricts. Binding a null control raises zelkon::Error 91, an empty column name Error 5.
 class ZELKON_EXPORT FilterQuery
 {
 public:
