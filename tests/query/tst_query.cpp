@@ -6,6 +6,8 @@
 #include <zelkon/common/registry.h>
 #include <zelkon/common/variantarray.h>
 #include <zelkon/data/connection.h>
+#include <zelkon/dropdown/down.h>
+#include <zelkon/dropdown/lbvalue.h>
 #include <zelkon/navigator/navigator.h>
 #include <zelkon/numedit/numedit.h>
 #include <zelkon/query/filtercondition.h>
@@ -59,7 +61,7 @@ struct Form
     NumEdit *max = make<NumEdit>(&widget, u"NumEdit"_s);
     Navigator *customer = make<Navigator>(&widget, u"Navigator"_s);
     ComboListBox *status = make<ComboListBox>(&widget, u"ComboListBox"_s);
-    Control *category = make<Control>(&widget, u"Down"_s);
+    Down *category = make<Down>(&widget, u"Down"_s);
     FilterQuery query;
 
     Form()
@@ -76,8 +78,8 @@ struct Form
         status->setInputArray(
             QVariantList{QVariantList{u"new"_s, u"paid"_s, u"sent"_s}, QVariantList{1, 2, 3}});
         for (int value : {10, 20, 30})
-            addCategory(u"Category %1"_s.arg(value), value);
-        addCategory(u"No value"_s, missingVariant());
+            category->AddItem(u"Category %1"_s.arg(value), {}, value);
+        category->AddItem(u"No value"_s);
 
         query.bindCheckCombo(regions, u"region_id"_s);
         query.bindCheckCombo(products, u"product"_s, FilterQuery::Match::ByText);
@@ -94,40 +96,16 @@ struct Form
         if (category->metaObject()->indexOfMethod("Free()") >= 0)
             QMetaObject::invokeMethod(category, "Free");
     }
-
-    void addCategory(const QString &text, const QVariant &value)
-    {
-        QMetaObject::invokeMethod(category, "AddItem", Q_ARG(QString, text), Q_ARG(QString, {}),
-                                  Q_ARG(QVariant, value), Q_ARG(bool, false),
-                                  Q_ARG(QVariant, missingVariant()));
-    }
-    QObject *categoryItem(int position) const
-    {
-        QObject *item = nullptr;
-        const QMetaObject *meta = category->metaObject();
-        const QMetaMethod listItem = meta->method(meta->indexOfMethod("ListItem(QVariant)"));
-        listItem.invoke(category, Qt::DirectConnection,
-                        QGenericReturnArgument(listItem.typeName(), &item),
-                        Q_ARG(QVariant, position));
-        return item;
-    }
 };
 
-// A date bound as the seed draws it: "All", a day count from today or a day of its own.
-QVariant drawDate(QRandomGenerator &random, RelDate *field)
+// A date bound as the seed draws it: a day count from today or a day of its own.
+void drawDate(QRandomGenerator &random, RelDate *field)
 {
-    switch (random.bounded(3)) {
-    case 0:
-        field->setRetDate(u"All"_s);
-        return {};
-    case 1:
-        field->setRelative(true);
+    field->setRelative(random.bounded(2) == 0);
+    if (field->Relative())
         field->setRetNum(random.bounded(-60, 20));
-        return {};
-    }
-    field->setRelative(false);
-    field->setRetDate(QDateTime(QDate(2024, 3, 1).addDays(random.bounded(100)), QTime(0, 0)));
-    return {};
+    else
+        field->setRetDate(QDate(2024, 3, 1).addDays(random.bounded(100)).startOfDay());
 }
 
 // The checks of a list as the seed draws them: none, every row, or some, and Inv.
@@ -275,7 +253,7 @@ private Q_SLOTS:
         if (draw())
             form.status->setValueID(qint16(random.bounded(1, 4)));
         for (int position = 1; position <= 4; ++position)
-            form.categoryItem(position)->setProperty("Checked", random.bounded(4) == 0);
+            form.category->ListItem(position)->setChecked(random.bounded(4) == 0);
 
         compareOnBackend(form);
     }
@@ -395,7 +373,7 @@ private Q_SLOTS:
         form.min->setValue(5);
         form.customer->setText(u"Bob"_s);
         form.status->setValueID(2);
-        form.categoryItem(2)->setProperty("Checked", true);
+        form.category->ListItem(2)->setChecked(true);
         const QString where = form.query.where();
         QVariantList values = form.query.values();
         form.query.savePreset(u"mine"_s);
@@ -411,7 +389,7 @@ private Q_SLOTS:
         form.min->setValue(0);
         form.customer->setText(u" "_s);
         form.status->setValueID(3);
-        form.categoryItem(2)->setProperty("Checked", false);
+        form.category->ListItem(2)->setChecked(false);
         form.query.removePreset(u"mine"_s);
         QVERIFY(!form.query.restorePreset(u"mine"_s));
         form.query.readPresets(settings);

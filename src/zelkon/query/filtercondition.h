@@ -26,6 +26,7 @@ public:
     FilterCondition(const FilterCondition &other);
     /// Copies the snapshot.
     FilterCondition &operator=(const FilterCondition &other);
+    /// Releases this copy of the snapshot.
     ~FilterCondition();
 
     /// True when no control restricts anything: where() is then "".

@@ -23,6 +23,7 @@ class ZELKON_EXPORT FilterProxyModel : public QSortFilterProxyModel
 public:
     /// A proxy with an empty condition: every row.
     explicit FilterProxyModel(QObject *parent = nullptr);
+    /// Leaves the source model as it is.
     ~FilterProxyModel() override;
 
     /// The condition applied to the rows; the rows are filtered again at once.

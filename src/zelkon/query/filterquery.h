@@ -46,8 +46,11 @@ public:
 
     /// A filter with no bindings: its condition is empty.
     FilterQuery();
+    /// Forgets the bindings and presets; the controls stay as they are.
     ~FilterQuery();
+    /// Not copyable: a copy would watch the same controls twice.
     FilterQuery(const FilterQuery &) = delete;
+    /// Not copyable.
     FilterQuery &operator=(const FilterQuery &) = delete;
 
     /// The checked rows give `column IN (...)`, `NOT IN (...)` while Inv is set; nothing or
