@@ -160,25 +160,22 @@ bool FilterTerm::accepts(const QVariant &cell) const
 FilterCondition FilterConditionPrivate::make(QList<FilterTerm> terms, const QSqlDriver *driver)
 {
     auto p = std::make_shared<FilterConditionPrivate>();
-    qsizetype count = 0;
+    qsizetype marks = 0;
     for (const FilterTerm &term : terms)
-        count += term.values.size();
-    p->values.reserve(count);
+        marks += term.values.size();
+    p->where.reserve(marks * 3 + terms.size() * 40);
     // Every term adds its quoted column, a fixed operator and one "?" per value, nothing else.
+    // The values stay with their terms: a check list's thousands of identifiers are not copied.
     for (const FilterTerm &term : terms) {
         if (!p->where.isEmpty())
             p->where += QLatin1String(" AND ");
         p->where += quoted(term.column, driver);
         p->where += operatorText(term.op);
         if (term.op == FilterTerm::Op::In || term.op == FilterTerm::Op::NotIn) {
-            QString marks;
-            marks.reserve(term.values.size() * 3);
             for (qsizetype i = 0; i < term.values.size(); ++i)
-                marks += i ? QLatin1String(", ?") : QLatin1String("?");
-            p->where += marks;
+                p->where += i ? QLatin1String(", ?") : QLatin1String("?");
             p->where += QLatin1Char(')');
         }
-        p->values += term.values;
     }
     p->terms_ = std::move(terms);
     FilterCondition condition;
@@ -208,15 +205,24 @@ QString FilterCondition::where() const
 
 QVariantList FilterCondition::values() const
 {
-    return d ? d->values : QVariantList();
+    if (!d)
+        return {};
+    if (d->terms_.size() == 1)
+        return d->terms_.first().values;
+    QVariantList values;
+    for (const FilterTerm &term : d->terms_)
+        values += term.values;
+    return values;
 }
 
 void FilterCondition::bindValues(QSqlQuery &query) const
 {
     if (!d)
         return;
-    for (const QVariant &value : d->values)
-        query.addBindValue(value);
+    for (const FilterTerm &term : d->terms_) {
+        for (const QVariant &value : term.values)
+            query.addBindValue(value);
+    }
 }
 
 } // namespace zelkon

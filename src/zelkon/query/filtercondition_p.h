@@ -35,7 +35,6 @@ public:
 
     QList<FilterTerm> terms_;
     QString where;
-    QVariantList values;
 };
 
 } // namespace zelkon
