@@ -177,15 +177,15 @@ FilterCondition FilterConditionPrivate::make(QList<FilterTerm> terms, const QSql
             p->where += QLatin1Char(')');
         }
     }
-    p->terms_ = std::move(terms);
+    p->terms = std::move(terms);
     FilterCondition condition;
     condition.d = std::move(p);
     return condition;
 }
 
-const QList<FilterTerm> &FilterConditionPrivate::terms(const FilterCondition &condition)
+const QList<FilterTerm> &FilterConditionPrivate::termsOf(const FilterCondition &condition)
 {
-    return condition.d ? condition.d->terms_ : emptyCondition().terms_;
+    return condition.d ? condition.d->terms : emptyCondition().terms;
 }
 
 FilterCondition::FilterCondition() = default;
@@ -195,7 +195,7 @@ FilterCondition::~FilterCondition() = default;
 
 bool FilterCondition::isEmpty() const
 {
-    return !d || d->terms_.isEmpty();
+    return !d || d->terms.isEmpty();
 }
 
 QString FilterCondition::where() const
@@ -207,10 +207,10 @@ QVariantList FilterCondition::values() const
 {
     if (!d)
         return {};
-    if (d->terms_.size() == 1)
-        return d->terms_.first().values;
+    if (d->terms.size() == 1)
+        return d->terms.first().values;
     QVariantList values;
-    for (const FilterTerm &term : d->terms_)
+    for (const FilterTerm &term : d->terms)
         values += term.values;
     return values;
 }
@@ -219,7 +219,7 @@ void FilterCondition::bindValues(QSqlQuery &query) const
 {
     if (!d)
         return;
-    for (const FilterTerm &term : d->terms_) {
+    for (const FilterTerm &term : d->terms) {
         for (const QVariant &value : term.values)
             query.addBindValue(value);
     }

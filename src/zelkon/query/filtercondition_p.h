@@ -31,9 +31,9 @@ class FilterConditionPrivate
 public:
     // Builds the text for the driver (standard SQL quoting when null).
     static FilterCondition make(QList<FilterTerm> terms, const QSqlDriver *driver);
-    static const QList<FilterTerm> &terms(const FilterCondition &condition);
+    static const QList<FilterTerm> &termsOf(const FilterCondition &condition);
 
-    QList<FilterTerm> terms_;
+    QList<FilterTerm> terms;
     QString where;
 };
 

@@ -13,7 +13,7 @@ public:
     void mapColumns(const QAbstractItemModel *source)
     {
         columns.clear();
-        for (const FilterTerm &term : FilterConditionPrivate::terms(condition))
+        for (const FilterTerm &term : FilterConditionPrivate::termsOf(condition))
             columns.append(source ? columnOf(source, term.column) : -1);
     }
 
@@ -68,7 +68,7 @@ FilterCondition FilterProxyModel::condition() const
 
 bool FilterProxyModel::filterAcceptsRow(int sourceRow, const QModelIndex &sourceParent) const
 {
-    const QList<FilterTerm> &terms = FilterConditionPrivate::terms(d->condition);
+    const QList<FilterTerm> &terms = FilterConditionPrivate::termsOf(d->condition);
     const QAbstractItemModel *source = sourceModel();
     for (qsizetype i = 0; i < terms.size(); ++i) {
         const int column = d->columns.value(i, -1);

@@ -164,7 +164,7 @@ public:
             throw Error(ObjectNotSet, QStringLiteral("FilterQuery: no control to bind"));
         for (QObject *control : controls) {
             if (control)
-                controls_.append(control);
+                boundControls.append(control);
         }
         bindings.append(std::move(binding));
     }
@@ -174,14 +174,14 @@ public:
     QString prefixOf(const QObject *control) const
     {
         return control->objectName().isEmpty()
-            ? QStringLiteral("#%1").arg(controls_.indexOf(control))
+            ? QStringLiteral("#%1").arg(boundControls.indexOf(control))
             : control->objectName();
     }
     void save(const Binding &b, QObject *control, MemoryPropertyBag &preset) const;
     void restore(const Binding &b, QObject *control, const MemoryPropertyBag &preset) const;
 
     QList<Binding> bindings;
-    QList<QObject *> controls_; // in binding order, for the names of unnamed ones
+    QList<QObject *> boundControls; // in binding order, for the names of unnamed ones
     QMap<QString, MemoryPropertyBag> presets;
 };
 
@@ -369,7 +369,7 @@ void FilterQuery::bindDown(Control *down, const QString &column)
 void FilterQuery::clear()
 {
     d->bindings.clear();
-    d->controls_.clear();
+    d->boundControls.clear();
 }
 
 FilterCondition FilterQuery::build(const QSqlDriver *driver) const
