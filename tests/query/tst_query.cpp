@@ -286,7 +286,7 @@ private Q_SLOTS:
             << u"\"day\" >= ? AND \"day\" <= ?"_s << QVariantList{QDate(2024, 5, 3), june};
         QTest::newRow("to day inclusive for date-times")
             << none << false << QVariant() << QVariant(0) << true << 0.0 << 0.0 << false
-            << u"\"stamp\" < ?"_s << QVariantList{QDateTime(QDate(2024, 5, 11), QTime(0, 0))};
+            << u"\"stamp\" < ?"_s << QVariantList{u"2024-05-11T00:00:00.000"_s};
         QTest::newRow("zero is a value")
             << none << false << QVariant() << QVariant() << false << 0.0 << 12.5 << true
             << u"\"amount\" >= ? AND \"amount\" <= ?"_s << QVariantList{0.0, 12.5};

@@ -97,11 +97,14 @@ void addDateBound(QList<FilterTerm> &terms, const Binding &b, RelDate *field, bo
         terms.append({b.column, upper ? Op::AtMost : Op::AtLeast, Kind::Date, {day}});
         return;
     }
-    // A time on the last day is still that day: the bound is the next midnight, excluded.
+    // A time on the last day is still that day: the bound is the next midnight, excluded. It is
+    // bound as a wall-clock text: a QDateTime would reach some drivers converted to UTC and so
+    // move the bound by the zone's offset against a column that holds local times.
+    const QDate bound = upper ? day.addDays(1) : day;
     terms.append({b.column,
                   upper ? Op::Below : Op::AtLeast,
                   Kind::DateTime,
-                  {QDateTime(upper ? day.addDays(1) : day, QTime(0, 0))}});
+                  {QVariant(bound.toString(Qt::ISODate) + QLatin1String("T00:00:00.000"))}});
 }
 
 void addNumberBound(QList<FilterTerm> &terms, const Binding &b, NumEdit *field, bool upper)
