@@ -2,15 +2,22 @@
 
 #include "customerlookup.h"
 
+#include <zelkon/checklist/checkcombo.h>
 #include <zelkon/common/control.h>
+#include <zelkon/common/conversions.h>
 #include <zelkon/common/error.h>
 #include <zelkon/common/memorypropertybag.h>
 #include <zelkon/common/registry.h>
 #include <zelkon/common/variantarray.h>
 #include <zelkon/data/connection.h>
+#include <zelkon/navigator/navigator.h>
+#include <zelkon/numedit/numedit.h>
+#include <zelkon/query/filtercondition.h>
+#include <zelkon/reldate/reldate.h>
 
 #include <QLabel>
 #include <QMetaMethod>
+#include <QSettings>
 #include <QSqlQuery>
 
 FilterForm::FilterForm(QWidget *parent)
@@ -77,6 +84,7 @@ void FilterForm::createControls()
         control->show();
     }
     configureControls();
+    bindControls();
 }
 
 void FilterForm::configureControls()
@@ -151,6 +159,75 @@ void FilterForm::adoptControls(const QList<zelkon::Control *> &loaded)
         watch(control);
         control->show();
     }
+    bindControls();
+}
+
+namespace {
+template<typename T>
+T *typedControl(const FilterForm &form, const char *name)
+{
+    return qobject_cast<T *>(form.control(QLatin1String(name)));
+}
+
+// The presets live in the user's settings, apart from the read-only sample database.
+std::unique_ptr<QSettings> presetStore()
+{
+    return std::make_unique<QSettings>(QSettings::IniFormat, QSettings::UserScope,
+                                       QStringLiteral("Zelkon"),
+                                       QStringLiteral("zelkon-demo-presets"));
+}
+} // namespace
+
+void FilterForm::bindControls()
+{
+    // The presets stay: they are kept by control name, and a loaded form names its controls.
+    m_query.clear();
+    if (auto *regions = typedControl<zelkon::CheckCombo>(*this, "cboRegion"))
+        m_query.bindCheckCombo(regions, QStringLiteral("c.region_id"));
+    if (auto *products = typedControl<zelkon::CheckCombo>(*this, "cboProduct"))
+        m_query.bindCheckCombo(products, QStringLiteral("p.name"),
+                               zelkon::FilterQuery::Match::ByText);
+    auto *from = typedControl<zelkon::RelDate>(*this, "DateFrom");
+    auto *to = typedControl<zelkon::RelDate>(*this, "DateTo");
+    if (from || to)
+        m_query.bindDateRange(from, to, QStringLiteral("o.order_date"));
+    auto *min = typedControl<zelkon::NumEdit>(*this, "AmountFrom");
+    auto *max = typedControl<zelkon::NumEdit>(*this, "AmountTo");
+    if (min || max) // an empty amount field sets no bound
+        m_query.bindNumberRange(min, max, QStringLiteral("o.total"),
+                                zelkon::FilterQuery::Zero::MeansUnset);
+    if (auto *customer = typedControl<zelkon::Navigator>(*this, "nvCustomer"))
+        m_query.bindNavigator(customer, QStringLiteral("c.name"));
+}
+
+QString FilterForm::describe(const zelkon::FilterCondition &condition)
+{
+    if (condition.isEmpty())
+        return tr("(no condition: every order)");
+    QStringList shown;
+    for (const QVariant &v : condition.values())
+        shown.append(v.typeId() == QMetaType::QString
+                         ? QLatin1Char('\'') + v.toString() + QLatin1Char('\'')
+                         : zelkon::CStr(v));
+    return QStringLiteral("WHERE ") + condition.where() + QStringLiteral("\n-- bound values: ")
+        + shown.join(QStringLiteral(", "));
+}
+
+void FilterForm::savePreset(const QString &name)
+{
+    const std::unique_ptr<QSettings> settings = presetStore();
+    m_query.readPresets(*settings); // another window may have saved one meanwhile
+    m_query.savePreset(name);
+    m_query.writePresets(*settings);
+}
+
+bool FilterForm::restorePreset(const QString &name)
+{
+    m_query.readPresets(*presetStore());
+    const bool found = m_query.restorePreset(name);
+    if (found)
+        Q_EMIT filterChanged();
+    return found;
 }
 
 zelkon::Control *FilterForm::control(const QString &name) const

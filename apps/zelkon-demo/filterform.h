@@ -1,12 +1,15 @@
 // FilterForm: the demo's filter form, with its controls at fixed places as on a designed form.
 #pragma once
 
+#include <zelkon/query/filterquery.h>
+
 #include <QList>
 #include <QWidget>
 
 namespace zelkon {
 class Connection;
 class Control;
+class FilterCondition;
 } // namespace zelkon
 class QLabel;
 
@@ -25,6 +28,15 @@ public:
 
     zelkon::Control *control(const QString &name) const;
     QList<zelkon::Control *> controls() const;
+
+    // The orders condition of the form's controls, bound to their columns.
+    const zelkon::FilterQuery &query() const { return m_query; }
+    // The condition with its bound values listed, for showing to the user.
+    static QString describe(const zelkon::FilterCondition &condition);
+    // Named states of the form, kept in the user's settings.
+    void savePreset(const QString &name);
+    bool restorePreset(const QString &name);
+    QStringList presetNames() const { return m_query.presetNames(); }
 
     QSize sizeHint() const override;
 
@@ -45,6 +57,8 @@ private:
     int labelWidth() const;
     void watch(zelkon::Control *control);
     void configureControls();
+    void bindControls();
 
     QList<Slot> m_slots;
+    zelkon::FilterQuery m_query;
 };

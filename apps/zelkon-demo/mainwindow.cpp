@@ -4,13 +4,13 @@
 #include "filterform.h"
 #include "propertiesdialog.h"
 #include "resultoptions.h"
-#include "wherebuilder.h"
 
 #include <zelkon/common/control.h>
 
 #include <zelkon/common/error.h>
 #include <zelkon/common/formfile.h>
 #include <zelkon/data/connection.h>
+#include <zelkon/query/filtercondition.h>
 
 #include <QApplication>
 #include <QFileDialog>
@@ -81,6 +81,26 @@ MainWindow::MainWindow(const QString &databasePath, QWidget *parent)
     auto *actions = new QHBoxLayout;
     actions->addWidget(apply);
     actions->addWidget(m_options);
+    // A preset is the form's state under the filter's name; relative dates move with the day.
+    auto *savePreset = new QPushButton(tr("Save p&reset"));
+    savePreset->setObjectName(QStringLiteral("savePreset"));
+    connect(savePreset, &QPushButton::clicked, this, [this] {
+        const QString name = m_options->filterName();
+        if (name.isEmpty())
+            return statusBar()->showMessage(tr("Name the filter to save it as a preset"), 5000);
+        m_form->savePreset(name);
+        statusBar()->showMessage(tr("Saved preset %1").arg(name), 5000);
+    });
+    auto *restorePreset = new QPushButton(tr("Res&tore preset"));
+    restorePreset->setObjectName(QStringLiteral("restorePreset"));
+    connect(restorePreset, &QPushButton::clicked, this, [this] {
+        const QString name = m_options->filterName();
+        statusBar()->showMessage(m_form->restorePreset(name) ? tr("Restored preset %1").arg(name)
+                                                             : tr("No preset %1").arg(name),
+                                 5000);
+    });
+    actions->addWidget(savePreset);
+    actions->addWidget(restorePreset);
     actions->addStretch();
     bottomLayout->addLayout(actions);
     bottomLayout->addWidget(m_condition);
@@ -113,46 +133,33 @@ MainWindow::~MainWindow()
 
 void MainWindow::applyFilter()
 {
-    WhereBuilder where;
-    where.addCheckList(QStringLiteral("c.region_id"), m_form->control(QStringLiteral("cboRegion")),
-                       true);
-    where.addCheckList(QStringLiteral("p.name"), m_form->control(QStringLiteral("cboProduct")),
-                       false);
-    where.addDateBound(QStringLiteral("o.order_date"), m_form->control(QStringLiteral("DateFrom")),
-                       true);
-    where.addDateBound(QStringLiteral("o.order_date"), m_form->control(QStringLiteral("DateTo")),
-                       false);
-    where.addNumberBound(QStringLiteral("o.total"), m_form->control(QStringLiteral("AmountFrom")),
-                         true);
-    where.addNumberBound(QStringLiteral("o.total"), m_form->control(QStringLiteral("AmountTo")),
-                         false);
-    where.addLookup(QStringLiteral("c.id"), QStringLiteral("c.name"),
-                    m_form->control(QStringLiteral("nvCustomer")));
-    m_condition->setPlainText(where.describe());
+    QSqlDatabase db = m_connection->database();
+    // The form's controls give the condition; its values are bound, never written into the text.
+    const zelkon::FilterCondition condition = m_form->query().build(db.driver());
+    m_condition->setPlainText(FilterForm::describe(condition));
+    const QString where
+        = condition.isEmpty() ? QString() : QStringLiteral("WHERE ") + condition.where();
 
     const QString select = QStringLiteral(
         "SELECT o.id AS \"Order\", o.order_date AS \"Date\", c.name AS \"Customer\", "
         "r.name AS \"Region\", p.name AS \"Product\", o.quantity AS \"Qty\", o.total AS \"Total\" "
         "FROM orders o JOIN customers c ON c.id = o.customer_id "
         "JOIN regions r ON r.id = c.region_id JOIN products p ON p.id = o.product_id ");
-    QSqlDatabase db = m_connection->database();
     QSqlQuery count(db);
     count.prepare(
         QStringLiteral("SELECT COUNT(*) FROM orders o JOIN customers c ON c.id = o.customer_id "
                        "JOIN products p ON p.id = o.product_id ")
-        + where.where());
-    for (const QVariant &value : where.values())
-        count.addBindValue(value);
+        + where);
+    condition.bindValues(count);
     if (count.exec() && count.next())
         m_count->setText(tr("%n order(s) match", nullptr, count.value(0).toInt()));
     else
         m_count->setText(count.lastError().text());
 
     QSqlQuery query(db);
-    query.prepare(select + where.where()
+    query.prepare(select + where
                   + QStringLiteral(" ORDER BY %1 LIMIT 1000").arg(m_options->orderBy()));
-    for (const QVariant &value : where.values())
-        query.addBindValue(value);
+    condition.bindValues(query);
     query.exec();
     m_model->setQuery(std::move(query));
 }

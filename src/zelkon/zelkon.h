@@ -18,6 +18,9 @@
 #include <zelkon/common/variantarray.h>
 #include <zelkon/common/variants.h>
 #include <zelkon/common/version.h>
+#include <zelkon/query/filtercondition.h>
+#include <zelkon/query/filterproxymodel.h>
+#include <zelkon/query/filterquery.h>
 
 /// \namespace zelkon
 /// The controls, their values and errors, the platform services, form files and data access.

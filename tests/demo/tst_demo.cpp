@@ -1,11 +1,13 @@
 // The demo's query: the condition built from real filter controls selects the right orders.
 #include "sampledatabase.h"
-#include "wherebuilder.h"
 
+#include <zelkon/checklist/checkcombo.h>
 #include <zelkon/common/control.h>
 #include <zelkon/common/memorypropertybag.h>
 #include <zelkon/common/registry.h>
 #include <zelkon/common/variantarray.h>
+#include <zelkon/query/filtercondition.h>
+#include <zelkon/query/filterquery.h>
 #include <zelkon/test/testplatform.h>
 
 #include <QSqlDatabase>
@@ -26,7 +28,7 @@ private Q_SLOTS:
     void conditionSelectsRows();
 
 private:
-    int count(const WhereBuilder &where);
+    int count(const FilterCondition &condition);
     QTemporaryDir m_dir;
     QSqlDatabase m_db;
 };
@@ -47,15 +49,14 @@ void tst_Demo::cleanupTestCase()
     QSqlDatabase::removeDatabase(QStringLiteral("tst_demo"));
 }
 
-int tst_Demo::count(const WhereBuilder &where)
+int tst_Demo::count(const FilterCondition &condition)
 {
     QSqlQuery q(m_db);
     q.prepare(
         QStringLiteral("SELECT COUNT(*) FROM orders o JOIN customers c ON c.id = o.customer_id "
                        "JOIN products p ON p.id = o.product_id ")
-        + where.where());
-    for (const QVariant &v : where.values())
-        q.addBindValue(v);
+        + (condition.isEmpty() ? QString() : QStringLiteral("WHERE ") + condition.where()));
+    condition.bindValues(q);
     if (!q.exec() || !q.next())
         return -1;
     return q.value(0).toInt();
@@ -89,10 +90,10 @@ void tst_Demo::conditionSelectsRows_data()
     QTest::addColumn<QString>("sql");
     QTest::newRow("nothing checked") << QVariantList{} << false << QString() << QString();
     QTest::newRow("two regions") << QVariantList{QStringLiteral("North"), QStringLiteral("East")}
-                                 << false << "WHERE c.region_id IN (?, ?)"
+                                 << false << "\"c\".\"region_id\" IN (?, ?)"
                                  << "c.region_id IN (1, 3)";
     QTest::newRow("not in") << QVariantList{QStringLiteral("North")} << true
-                            << "WHERE c.region_id NOT IN (?)"
+                            << "\"c\".\"region_id\" NOT IN (?)"
                             << "c.region_id <> 1";
 }
 
@@ -121,8 +122,9 @@ void tst_Demo::conditionSelectsRows()
     QVERIFY(regions->setProperty("ArrayChecked", checkedRegions));
     QVERIFY(regions->setProperty("Inv", inverted));
 
-    WhereBuilder where;
-    where.addCheckList(QStringLiteral("c.region_id"), regions, true);
+    FilterQuery query;
+    query.bindCheckCombo(qobject_cast<CheckCombo *>(regions), QStringLiteral("c.region_id"));
+    const FilterCondition where = query.build(m_db.driver());
     QCOMPARE(where.where(), condition);
     QCOMPARE(where.values().size(), checkedRegions.size());
     QSqlQuery expected(
