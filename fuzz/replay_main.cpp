@@ -54,8 +54,16 @@ private:
     quint32 m_state = 0x5eed1234u;
 };
 
+// With ZELKON_FUZZ_LAST set, each input is written to that file before it runs: after a fault
+// the file holds the input that found it, ready to be kept in the corpus.
 void run(const QByteArray &input)
 {
+    static const QString last = qEnvironmentVariable("ZELKON_FUZZ_LAST");
+    if (!last.isEmpty()) {
+        QFile file(last);
+        if (file.open(QIODevice::WriteOnly | QIODevice::Truncate))
+            file.write(input);
+    }
     LLVMFuzzerTestOneInput(reinterpret_cast<const uint8_t *>(input.constData()),
                            size_t(input.size()));
 }

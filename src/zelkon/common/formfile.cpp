@@ -63,6 +63,23 @@ bool readFloating(const QString &text, T *out)
     return r.ec == std::errc() && r.ptr == bytes.constData() + bytes.size();
 }
 
+QString dateTimeFormat()
+{
+    return QStringLiteral("yyyy-MM-ddTHH:mm:ss.zzz");
+}
+
+// The readable form holds four-digit years only.
+bool hasTextForm(QDate d)
+{
+    return d.isValid() && d.year() >= 1 && d.year() <= 9999;
+}
+
+void insertDay(QJsonObject &o, QDate d, int msecs)
+{
+    o.insert(QLatin1String("jd"), double(d.toJulianDay())); // exact: well within 2^53
+    o.insert(QLatin1String("ms"), msecs);
+}
+
 QJsonValue encode(const QVariant &value, const QString &where, const QString &path)
 {
     QJsonObject o;
@@ -119,15 +136,24 @@ QJsonValue encode(const QVariant &value, const QString &where, const QString &pa
             tag("string");
             o.insert(QLatin1String("v"), value.toString());
             break;
-        case QMetaType::QDateTime:
+        case QMetaType::QDateTime: {
             tag("date");
-            o.insert(QLatin1String("v"),
-                     value.toDateTime().toString(QStringLiteral("yyyy-MM-ddTHH:mm:ss.zzz")));
-            break;
-        case QMetaType::QDate:
+            const QDateTime dt = value.toDateTime();
+            if (hasTextForm(dt.date()))
+                o.insert(QLatin1String("v"), dt.toString(dateTimeFormat()));
+            else if (dt.isValid())
+                insertDay(o, dt.date(), dt.time().msecsSinceStartOfDay());
+            break; // an invalid date has neither
+        }
+        case QMetaType::QDate: {
             tag("day");
-            o.insert(QLatin1String("v"), value.toDate().toString(Qt::ISODate));
+            const QDate d = value.toDate();
+            if (hasTextForm(d))
+                o.insert(QLatin1String("v"), d.toString(Qt::ISODate));
+            else if (d.isValid())
+                insertDay(o, d, 0);
             break;
+        }
         case QMetaType::QVariantList: {
             tag("list");
             QJsonArray items;
@@ -158,9 +184,9 @@ QVariant decode(const QJsonValue &json, const QString &where, const Place &place
             place.fail(where, QStringLiteral("the value of a %1 must be a string").arg(t));
         return v.toString();
     };
-    const auto needInteger = [&](qint64 low, qint64 high) {
-        const double d = v.toDouble(std::nan(""));
-        if (!v.isDouble() || d != std::trunc(d) || d < double(low) || d > double(high))
+    const auto needInteger = [&](qint64 low, qint64 high, const QJsonValue &n) {
+        const double d = n.toDouble(std::nan(""));
+        if (!n.isDouble() || d != std::trunc(d) || d < double(low) || d > double(high))
             place.fail(where, QStringLiteral("the value of a %1 is out of its range").arg(t));
         return qint64(d);
     };
@@ -176,11 +202,11 @@ QVariant decode(const QJsonValue &json, const QString &where, const Place &place
         return v.toBool();
     }
     if (t == QLatin1String("int16"))
-        return QVariant::fromValue(qint16(needInteger(-32768, 32767)));
+        return QVariant::fromValue(qint16(needInteger(-32768, 32767, v)));
     if (t == QLatin1String("int32"))
-        return QVariant::fromValue(qint32(needInteger(-2147483648LL, 2147483647LL)));
+        return QVariant::fromValue(qint32(needInteger(-2147483648LL, 2147483647LL, v)));
     if (t == QLatin1String("uint32"))
-        return QVariant::fromValue(quint32(needInteger(0, 4294967295LL)));
+        return QVariant::fromValue(quint32(needInteger(0, 4294967295LL, v)));
     if (t == QLatin1String("int64")) {
         bool ok = false;
         const qint64 n = needString().toLongLong(&ok);
@@ -202,14 +228,29 @@ QVariant decode(const QJsonValue &json, const QString &where, const Place &place
     }
     if (t == QLatin1String("string"))
         return needString();
+    // Dates outside the years 1 to 9999 are stored as a day number, invalid ones as neither.
+    const QJsonValue jd = o.value(QLatin1String("jd"));
+    const bool textForm = !v.isUndefined();
+    if ((t == QLatin1String("date") || t == QLatin1String("day")) && !textForm
+        && !jd.isUndefined()) {
+        const qint64 day = needInteger(-784350574879LL, 784354017364LL, jd); // QDate's range
+        const qint64 ms = needInteger(0, 86399999, o.value(QLatin1String("ms")));
+        const QDate d = QDate::fromJulianDay(day);
+        if (t == QLatin1String("day"))
+            return d;
+        return QDateTime(d, QTime::fromMSecsSinceStartOfDay(int(ms)));
+    }
     if (t == QLatin1String("date")) {
-        const QDateTime dt
-            = QDateTime::fromString(needString(), QStringLiteral("yyyy-MM-ddTHH:mm:ss.zzz"));
+        if (!textForm)
+            return QDateTime();
+        const QDateTime dt = QDateTime::fromString(needString(), dateTimeFormat());
         if (!dt.isValid())
             place.fail(where, QStringLiteral("not a date"));
         return dt;
     }
     if (t == QLatin1String("day")) {
+        if (!textForm)
+            return QDate();
         const QDate d = QDate::fromString(needString(), Qt::ISODate);
         if (!d.isValid())
             place.fail(where, QStringLiteral("not a date"));
@@ -266,6 +307,29 @@ QVariant decode(const QJsonValue &json, const QString &where, const Place &place
     place.fail(where, QStringLiteral("unknown value type \"%1\"").arg(t));
 }
 
+// The bag a control writes into when its form is saved. A value that the file cannot hold (an
+// object, a type of no form) is refused at the write, with the type error a persisting bag
+// raises, so that the control skips that one property as it skips any failing write, and the
+// rest of the form is saved.
+class SavingBag : public MemoryPropertyBag
+{
+public:
+    SavingBag(QString where, QString path)
+        : m_where(std::move(where))
+        , m_path(std::move(path))
+    { }
+    void WriteProperty(const QString &name, const QVariant &value,
+                       const QVariant &defaultValue) override
+    {
+        encode(value, m_where + QLatin1Char('.') + name, m_path);
+        MemoryPropertyBag::WriteProperty(name, value, defaultValue);
+    }
+
+private:
+    QString m_where;
+    QString m_path;
+};
+
 struct SavedControl
 {
     QString className;
@@ -298,7 +362,7 @@ void saveForm(const QWidget &form, const QString &path)
     int i = 0;
     for (Control *control : Control::formControls(&form)) {
         const QString where = QStringLiteral("control %1 (%2)").arg(i++).arg(control->objectName());
-        MemoryPropertyBag bag;
+        SavingBag bag(where, path);
         control->WriteProperties(bag);
         QJsonArray properties;
         for (const QString &key : bag.keys()) {
