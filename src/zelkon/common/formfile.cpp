@@ -11,8 +11,10 @@
 #include <QJsonObject>
 #include <QSaveFile>
 
+#include <algorithm>
 #include <charconv>
 #include <cmath>
+#include <limits>
 #include <memory>
 
 namespace zelkon {
@@ -22,6 +24,10 @@ namespace {
 constexpr int BadFileFormat = 321;
 const QLatin1String formatTag("zelkon-form");
 constexpr int formatVersion = 1;
+// Bounds on what a file may make the loader build, checked before the memory is taken: a form
+// file holds a few controls, so anything near these limits is damaged or hostile.
+constexpr qint64 maxFileSize = 16 * 1024 * 1024;
+constexpr int maxNesting = 64;
 
 // Where in the file a fault lies, for the error message.
 class Place
@@ -172,8 +178,10 @@ QJsonValue encode(const QVariant &value, const QString &where, const QString &pa
     return o;
 }
 
-QVariant decode(const QJsonValue &json, const QString &where, const Place &place)
+QVariant decode(const QJsonValue &json, const QString &where, const Place &place, int depth = 0)
 {
+    if (depth > maxNesting)
+        place.fail(where, QStringLiteral("values are nested more than %1 deep").arg(maxNesting));
     if (!json.isObject())
         place.fail(where, QStringLiteral("a value must be an object with a type tag"));
     const QJsonObject o = json.toObject();
@@ -263,7 +271,7 @@ QVariant decode(const QJsonValue &json, const QString &where, const Place &place
         QVariantList list;
         int i = 0;
         for (const QJsonValue &item : items.toArray())
-            list.append(decode(item, where + QStringLiteral("[%1]").arg(i++), place));
+            list.append(decode(item, where + QStringLiteral("[%1]").arg(i++), place, depth + 1));
         return list;
     }
     if (t == QLatin1String("array")) {
@@ -278,24 +286,32 @@ QVariant decode(const QJsonValue &json, const QString &where, const Place &place
                 place.fail(where, QStringLiteral("array bounds must be pairs of integers"));
             bounds.append({qint32(pair.at(0).toInt()), qint32(pair.at(1).toInt())});
         }
+        // The count the bounds declare must match the items written before any is allocated:
+        // bounds can declare billions where the file holds a handful.
+        const QJsonArray itemArray = items.toArray();
+        qint64 declared = bounds.isEmpty() ? 0 : 1;
+        for (const Bounds &b : std::as_const(bounds))
+            declared
+                = std::min<qint64>(declared * std::max<qint64>(0, qint64(b.upper) - b.lower + 1),
+                                   std::numeric_limits<qint32>::max());
+        if (declared != itemArray.size())
+            place.fail(where,
+                       QStringLiteral("the array holds %1 items where its bounds need %2")
+                           .arg(itemArray.size())
+                           .arg(declared));
         VariantArray array;
         try {
             array = VariantArray(bounds);
         } catch (const Error &) {
             place.fail(where, QStringLiteral("array bounds out of range"));
         }
-        const QJsonArray itemArray = items.toArray();
-        if (itemArray.size() != array.size())
-            place.fail(where,
-                       QStringLiteral("the array holds %1 items where its bounds need %2")
-                           .arg(itemArray.size())
-                           .arg(array.size()));
         // Elements are stored first index fastest; walk the indices in the same order.
         QList<qint32> index;
         for (const Bounds &b : bounds)
             index.append(b.lower);
         for (qsizetype i = 0; i < itemArray.size(); ++i) {
-            array.at(index) = decode(itemArray.at(i), where + QStringLiteral("[%1]").arg(i), place);
+            array.at(index)
+                = decode(itemArray.at(i), where + QStringLiteral("[%1]").arg(i), place, depth + 1);
             for (qsizetype d = 0; d < index.size(); ++d) {
                 if (++index[d] <= bounds.at(d).upper)
                     break;
@@ -389,7 +405,14 @@ void saveForm(const QWidget &form, const QString &path)
     if (!file.open(QIODevice::WriteOnly))
         throw Error(FileError,
                     QStringLiteral("%1: cannot be written: %2").arg(path, file.errorString()));
-    file.write(QJsonDocument(root).toJson(QJsonDocument::Indented));
+    // QSaveFile does not always notice a write that stopped short (a full disk, a file-size
+    // limit): the count written is checked here, or a cut-off file would replace the old one.
+    const QByteArray bytes = QJsonDocument(root).toJson(QJsonDocument::Indented);
+    if (file.write(bytes) != bytes.size() || !file.flush()) {
+        const QString reason = file.errorString();
+        file.cancelWriting();
+        throw Error(FileError, QStringLiteral("%1: cannot be written: %2").arg(path, reason));
+    }
     if (!file.commit())
         throw Error(FileError,
                     QStringLiteral("%1: cannot be written: %2").arg(path, file.errorString()));
@@ -401,8 +424,13 @@ QList<Control *> loadForm(QWidget &form, const QString &path)
     if (!file.open(QIODevice::ReadOnly))
         throw Error(FileError,
                     QStringLiteral("%1: cannot be read: %2").arg(path, file.errorString()));
-    const QByteArray data = file.readAll();
     const Place place(path);
+    if (file.size() > maxFileSize)
+        place.fail(QString(),
+                   QStringLiteral("%1 bytes is too large for a form file (at most %2)")
+                       .arg(file.size())
+                       .arg(maxFileSize));
+    const QByteArray data = file.readAll();
     QJsonParseError parseError;
     const QJsonDocument document = QJsonDocument::fromJson(data, &parseError);
     if (parseError.error != QJsonParseError::NoError)
