@@ -200,7 +200,7 @@ QVariant hostileValue(Input &in, Objects &objects, QWidget *control, int depth =
     case 14:
         return QString::fromUtf8(in.bytes(64)); // whatever the input holds, valid UTF-8 or not
     case 15:
-        return QString(100000 + int(in.pick(3)), QChar(0x42f + in.pick(2)));
+        return QString(30000 + int(in.pick(3)), QChar(0x42f + in.pick(2)));
     case 16: {
         QString withNul = QStringLiteral("ab");
         withNul.append(QChar(0));
@@ -252,7 +252,7 @@ QVariant hostileArray(Input &in, Objects &objects, QWidget *control, int depth)
         return fill(1 + in.pick(6));
     case 2: { // long, all of one kind
         const QVariant item = hostileValue(in, objects, control, depth);
-        return QVariantList(10000, item);
+        return QVariantList(3000, item);
     }
     default: {
         // Other bounds and dimensions: none, one from 5, two of the wrong shape, three.
@@ -333,6 +333,7 @@ void invokeMember(zelkon::Control *control, Input &in, Objects &objects)
         return;
     const QMetaMethod method = members.at(qsizetype(in.pick(quint32(members.size()))));
     QVariant args[10];
+    QByteArray typeNames[10]; // QGenericArgument keeps only the pointers
     QGenericArgument generic[10];
     for (int i = 0; i < method.parameterCount(); ++i) {
         args[i] = valueOfType(method.parameterMetaType(i), in, objects, control);
@@ -340,7 +341,8 @@ void invokeMember(zelkon::Control *control, Input &in, Objects &objects)
         void *arg = method.parameterMetaType(i) == QMetaType::fromType<QVariant>()
             ? static_cast<void *>(&args[i])
             : args[i].data();
-        generic[i] = QGenericArgument(method.parameterTypeName(i).constData(), arg);
+        typeNames[i] = method.parameterTypeName(i);
+        generic[i] = QGenericArgument(typeNames[i].constData(), arg);
     }
     const QMetaType returns = method.returnMetaType();
     QVariant result(returns.id() == QMetaType::Void || returns == QMetaType::fromType<QVariant>()

@@ -7,6 +7,8 @@ packages=(
     qt6-base-dev qt6-base-dev-tools qt6-tools-dev libqt6opengl6-dev libqt6sql6-sqlite libqt6sql6-psql libgl-dev
     libbenchmark-dev postgresql fonts-dejavu-core xvfb xauth
 )
+# The fuzz build: clang with libFuzzer and the sanitizer runtimes.
+packages+=(clang-14 libclang-rt-14-dev)
 
 missing=()
 for p in "${packages[@]}"; do
