@@ -26,6 +26,7 @@
 #include <QTimer>
 
 #include <cstdint>
+#include <cstdio>
 #include <cstdlib>
 #include <cstring>
 #include <limits>
@@ -468,6 +469,49 @@ void saveAndLoad(const QWidget &form, const QString &path, const QString &classN
     }
 }
 
+// A host that answers the control's events by calling back into it, as hosts do from their
+// event handlers: while the control is in the middle of its own work, a property is put or a
+// member invoked. Errors raised there are the host's own and stay in its handler.
+class EventHandler : public QObject
+{
+    Q_OBJECT
+public:
+    EventHandler(zelkon::Control *control, Input &in, Objects &objects)
+        : m_control(control)
+        , m_in(in)
+        , m_objects(objects)
+    {
+        const QMetaObject *meta = control->metaObject();
+        const QMetaMethod handler = metaObject()->method(metaObject()->indexOfSlot("handle()"));
+        for (int i = QWidget::staticMetaObject.methodCount(); i < meta->methodCount(); ++i) {
+            if (meta->method(i).methodType() == QMetaMethod::Signal)
+                connect(control, meta->method(i), this, handler, Qt::DirectConnection);
+        }
+    }
+
+public Q_SLOTS:
+    void handle()
+    {
+        // One call back at a time, and only when the input asks for it.
+        if (m_busy || !m_control || m_in.atEnd() || m_in.pick(4) != 0)
+            return;
+        m_busy = true;
+        try {
+            if (m_in.byte() & 1)
+                putProperty(m_control, m_in, m_objects);
+            else
+                invokeMember(m_control, m_in, m_objects);
+        } catch (const zelkon::Error &) { }
+        m_busy = false;
+    }
+
+private:
+    QPointer<zelkon::Control> m_control;
+    Input &m_in;
+    Objects &m_objects;
+    bool m_busy = false;
+};
+
 } // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size)
@@ -478,6 +522,11 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size)
     static QApplication *app = [] {
         qputenv("QT_QPA_PLATFORM", "offscreen");
         qputenv("QT_LOGGING_RULES", "qt.*=false");
+        // The offscreen platform warns at every popup; only what ends the run is worth printing.
+        qInstallMessageHandler([](QtMsgType type, const QMessageLogContext &, const QString &text) {
+            if (type == QtCriticalMsg || type == QtFatalMsg)
+                std::fprintf(stderr, "%s\n", qPrintable(text));
+        });
         auto *application = new QApplication(argc, argv);
         auto *guard = new QTimer(application);
         QObject::connect(guard, &QTimer::timeout, guard, dismissModal);
@@ -509,6 +558,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size)
     control->setGeometry(10, 10, 200, 24);
     form.show();
 
+    EventHandler handler(control, in, objects);
     for (int step = 0; step < 64 && !in.atEnd() && control; ++step) {
         try {
             switch (in.pick(12)) {
@@ -586,3 +636,5 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size)
     saveAndLoad(form, path, className);
     return 0;
 }
+
+#include "fuzz_host.moc"
