@@ -544,7 +544,21 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size)
         std::abort();
 
     Input in(data, size);
+    // The machine the host runs on: any number locale and language, and a clock that may be
+    // far off.
     zelkon::TestPlatform platform;
+    static const QLocale::Language languages[]
+        = {QLocale::English, QLocale::German, QLocale::Russian, QLocale::Japanese};
+    static const QDate todays[]
+        = {QDate(2024, 5, 10), QDate(9999, 12, 30), QDate(100, 1, 1), QDate(2000, 2, 29)};
+    // Told by the last byte, so that the rest of an input means what it meant before; most
+    // inputs keep the ordinary machine.
+    const quint8 machine = size > 0 ? data[size - 1] : 0xff;
+    if (machine < 64) {
+        platform.setNumberLocale(QLocale(languages[machine & 3]));
+        platform.setUiLanguage(languages[(machine >> 2) & 3]);
+        platform.setToday(todays[(machine >> 4) & 3]);
+    }
     Objects objects;
     const QString className = classes.at(qsizetype(in.pick(quint32(classes.size()))));
     const QString path = dir.filePath(QStringLiteral("host.zform"));
