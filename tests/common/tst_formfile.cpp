@@ -22,6 +22,7 @@ class tst_FormFile : public QObject
 
 private Q_SLOTS:
     void failedWriteKeepsPreviousFile();
+    void oversizedValueIsLeftOut();
     void hostileFileIsRefused_data();
     void hostileFileIsRefused();
 
@@ -67,6 +68,27 @@ void tst_FormFile::failedWriteKeepsPreviousFile()
     QVERIFY(previous.open(QIODevice::ReadOnly));
     QCOMPARE(previous.readAll(), before);
     QCOMPARE(QDir(m_dir.path()).entryList(QDir::Files), QStringList{QStringLiteral("full.zform")});
+}
+
+void tst_FormFile::oversizedValueIsLeftOut()
+{
+    // Given a control holding a value larger than a form file may be
+    QWidget form;
+    Control *combo = createControl(QStringLiteral("BoxCombo"), &form);
+    const QVariantList texts(600, QString(30000, QLatin1Char('"')));
+    combo->setProperty("InputArray", QVariantList{texts, QVariantList(600, 1)});
+    QCOMPARE(combo->property("InputArray").toList().size(), 2);
+
+    // When the form is saved and loaded again
+    const QString path = m_dir.filePath(QStringLiteral("oversized.zform"));
+    saveForm(form, path);
+    QWidget loaded;
+    const QList<Control *> controls = loadForm(loaded, path);
+
+    // Then the form is there without that value
+    QCOMPARE(controls.size(), 1);
+    QVERIFY(!controls.first()->property("InputArray").isValid());
+    QFile::remove(path);
 }
 
 void tst_FormFile::hostileFileIsRefused_data()

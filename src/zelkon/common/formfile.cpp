@@ -323,27 +323,61 @@ QVariant decode(const QJsonValue &json, const QString &where, const Place &place
     place.fail(where, QStringLiteral("unknown value type \"%1\"").arg(t));
 }
 
+// At most how many bytes a value takes in the file (tags, braces and indentation included),
+// counted no further than `limit`: a value too large to be read back is refused before it is
+// encoded, whatever its size in memory.
+qint64 savedSize(const QVariant &value, qint64 limit, int depth = 0)
+{
+    if (depth > maxNesting) // could not be read back either
+        return limit + 1;
+    qint64 size = 64 + 16 * qint64(depth);
+    const auto add = [&](const QList<QVariant> &items) {
+        for (const QVariant &item : items) {
+            if (size > limit)
+                break;
+            size += savedSize(item, limit - size, depth + 1);
+        }
+    };
+    if (value.metaType() == QMetaType::fromType<QString>())
+        size += 6 * value.toString().size(); // every character escaped, at the worst
+    else if (value.metaType() == QMetaType::fromType<QVariantList>())
+        add(value.toList());
+    else if (isVariantArray(value))
+        add(value.value<VariantArray>().elements());
+    return size;
+}
+
 // The bag a control writes into when its form is saved. A value that the file cannot hold (an
-// object, a type of no form) is refused at the write, with the type error a persisting bag
-// raises, so that the control skips that one property as it skips any failing write, and the
-// rest of the form is saved.
+// object, a type of no form, more than a file may hold) is refused at the write, with the error
+// a persisting bag raises, so that the control skips that one property as it skips any failing
+// write, and the rest of the form is saved.
 class SavingBag : public MemoryPropertyBag
 {
 public:
-    SavingBag(QString where, QString path)
+    SavingBag(QString where, QString path, qint64 *room)
         : m_where(std::move(where))
         , m_path(std::move(path))
+        , m_room(room)
     { }
     void WriteProperty(const QString &name, const QVariant &value,
                        const QVariant &defaultValue) override
     {
-        encode(value, m_where + QLatin1Char('.') + name, m_path);
+        const QString where = m_where + QLatin1Char('.') + name;
+        const qint64 size = savedSize(value, *m_room);
+        if (size > *m_room)
+            throw Error(FileError,
+                        QStringLiteral(
+                            "%1: %2: the value is too large or too deeply nested for a form file")
+                            .arg(m_path, where));
+        encode(value, where, m_path);
+        *m_room -= size;
         MemoryPropertyBag::WriteProperty(name, value, defaultValue);
     }
 
 private:
     QString m_where;
     QString m_path;
+    qint64 *m_room;
 };
 
 struct SavedControl
@@ -376,9 +410,10 @@ void saveForm(const QWidget &form, const QString &path)
 {
     QJsonArray controls;
     int i = 0;
+    qint64 room = maxFileSize - 4096; // what the values may take; the rest is for the controls
     for (Control *control : Control::formControls(&form)) {
         const QString where = QStringLiteral("control %1 (%2)").arg(i++).arg(control->objectName());
-        SavingBag bag(where, path);
+        SavingBag bag(where, path, &room);
         control->WriteProperties(bag);
         QJsonArray properties;
         for (const QString &key : bag.keys()) {
@@ -408,6 +443,8 @@ void saveForm(const QWidget &form, const QString &path)
     // QSaveFile does not always notice a write that stopped short (a full disk, a file-size
     // limit): the count written is checked here, or a cut-off file would replace the old one.
     const QByteArray bytes = QJsonDocument(root).toJson(QJsonDocument::Indented);
+    if (bytes.size() > maxFileSize) // many controls: a file that could not be read back
+        throw Error(FileError, QStringLiteral("%1: too large for a form file").arg(path));
     if (file.write(bytes) != bytes.size() || !file.flush()) {
         const QString reason = file.errorString();
         file.cancelWriting();
@@ -464,11 +501,16 @@ QList<Control *> loadForm(QWidget &form, const QString &path)
         if (g.size() != 4)
             place.fail(where, QStringLiteral("the geometry must be four integers"));
         for (const QJsonValue &n : g) {
-            if (!n.isDouble() || std::fabs(n.toDouble()) > 1e6)
+            if (!n.isDouble() || n.toDouble() != n.toInt())
                 place.fail(where, QStringLiteral("the geometry must be four integers"));
         }
-        saved->geometry = QRect(g.at(0).toInt(), g.at(1).toInt(), qMax(0, g.at(2).toInt()),
-                                qMax(0, g.at(3).toInt()));
+        // Any place and size a host gave is saved, so any is read back; bounded only so that
+        // the rectangle's right and bottom edges stay integers.
+        constexpr int farthest = 1 << 30;
+        saved->geometry = QRect(qBound(-farthest, g.at(0).toInt(), farthest),
+                                qBound(-farthest, g.at(1).toInt(), farthest),
+                                qBound(0, g.at(2).toInt(), QWIDGETSIZE_MAX),
+                                qBound(0, g.at(3).toInt(), QWIDGETSIZE_MAX));
         const QJsonValue properties = o.value(QLatin1String("properties"));
         if (!properties.isArray())
             place.fail(where, QStringLiteral("the properties are missing"));
