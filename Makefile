@@ -2,10 +2,12 @@
 BUILD     ?= build
 SAN_BUILD ?= build-asan
 BENCH_BUILD ?= build-bench
+FUZZ_BUILD ?= build-fuzz
+FUZZ_SECONDS ?= 60
 JOBS      ?= $(shell nproc)
 CMAKE_FLAGS ?=
 
-.PHONY: all deps configure build demo test sanitize bench install format clean package pictures docs
+.PHONY: all deps configure build demo test sanitize bench install format clean package pictures docs fuzz
 
 all: build
 
@@ -37,6 +39,13 @@ bench: deps
 		if [ -f "$$b" ] && [ -x "$$b" ]; then QT_QPA_PLATFORM=offscreen "$$b" || exit 1; fi; \
 	done
 
+# libFuzzer with clang: the library itself is built with the fuzzer's coverage and the
+# sanitizers; every target runs FUZZ_SECONDS from its corpus.
+fuzz: deps
+	cmake -S . -B $(FUZZ_BUILD) -DCMAKE_CXX_COMPILER=clang++-14 -DCMAKE_BUILD_TYPE=RelWithDebInfo -DZELKON_BUILD_FUZZ=ON -DZELKON_BUILD_TESTS=OFF -DZELKON_BUILD_DEMO=OFF -DZELKON_BUILD_DESIGNER=OFF $(CMAKE_FLAGS)
+	cmake --build $(FUZZ_BUILD) -j$(JOBS)
+	@fuzz/run.sh $(FUZZ_BUILD) $(FUZZ_SECONDS)
+
 install: build
 	cmake --install $(BUILD)
 
@@ -49,7 +58,7 @@ format:
 	git ls-files '*.cpp' '*.h' | xargs clang-format -i
 
 clean:
-	rm -rf $(BUILD) $(SAN_BUILD) $(BENCH_BUILD)
+	rm -rf $(BUILD) $(SAN_BUILD) $(BENCH_BUILD) $(FUZZ_BUILD)
 
 # Debian packages (libzelkon2, libzelkon-dev, zelkon-designer-plugin) in $(BUILD)/packages.
 package: build

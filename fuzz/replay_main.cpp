@@ -54,8 +54,16 @@ private:
     quint32 m_state = 0x5eed1234u;
 };
 
+// With ZELKON_FUZZ_LAST set, each input is written to that file before it runs: after a fault
+// the file holds the input that found it, ready to be kept in the corpus.
 void run(const QByteArray &input)
 {
+    static const QString last = qEnvironmentVariable("ZELKON_FUZZ_LAST");
+    if (!last.isEmpty()) {
+        QFile file(last);
+        if (file.open(QIODevice::WriteOnly | QIODevice::Truncate))
+            file.write(input);
+    }
     LLVMFuzzerTestOneInput(reinterpret_cast<const uint8_t *>(input.constData()),
                            size_t(input.size()));
 }
@@ -80,7 +88,10 @@ int main(int argc, char *argv[])
     for (const QByteArray &input : corpus)
         run(input);
     Mutator mutator;
-    const int rounds = 3000;
+    // A target whose every input is a whole session asks for fewer rounds.
+    const int rounds = qEnvironmentVariableIsSet("ZELKON_FUZZ_ROUNDS")
+        ? qEnvironmentVariableIntValue("ZELKON_FUZZ_ROUNDS")
+        : 3000;
     for (int i = 0; i < rounds; ++i)
         run(mutator.mutate(corpus[size_t(mutator.next() % corpus.size())]));
     std::printf("%zu corpus inputs and %d mutations ran without a fault\n", corpus.size(), rounds);

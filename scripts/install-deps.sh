@@ -8,6 +8,8 @@ packages=(
     libbenchmark-dev postgresql fonts-dejavu-core xvfb xauth
     dpkg-dev file doxygen openbox x11-utils
 )
+# The fuzz build: clang with libFuzzer and the sanitizer runtimes.
+packages+=(clang-14 libclang-rt-14-dev)
 
 missing=()
 for p in "${packages[@]}"; do

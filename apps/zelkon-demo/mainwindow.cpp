@@ -45,9 +45,17 @@ MainWindow::MainWindow(const QString &databasePath, QWidget *parent)
     , m_options(new ResultOptions)
 {
     setWindowTitle(tr("Zelkon demo: orders filter"));
-    // Braces keep a path with ';' in it one value.
-    m_connection->Open(QStringLiteral("Driver=QSQLITE;Database={%1};Options=QSQLITE_OPEN_READONLY;")
-                           .arg(databasePath));
+    // A database that cannot be opened or read leaves the lists empty but the window in use: the
+    // user is told in the status bar, and each filter then shows the database's own message.
+    QString databaseProblem;
+    try {
+        // Braces keep a path with ';' in it one value.
+        m_connection->Open(
+            QStringLiteral("Driver=QSQLITE;Database={%1};Options=QSQLITE_OPEN_READONLY;")
+                .arg(databasePath));
+    } catch (const zelkon::Error &e) {
+        databaseProblem = e.message();
+    }
 
     QMenu *file = menuBar()->addMenu(tr("&File"));
     file->addAction(tr("&Open form..."), QKeySequence::Open, this, &MainWindow::openFormFile);
@@ -57,7 +65,11 @@ MainWindow::MainWindow(const QString &databasePath, QWidget *parent)
     addEditPropertiesMenu(menuBar(), m_form);
 
     m_form->createControls();
-    m_form->fillFromDatabase(m_connection);
+    try {
+        m_form->fillFromDatabase(m_connection);
+    } catch (const zelkon::Error &e) {
+        databaseProblem = e.message();
+    }
     auto *formArea = new QScrollArea;
     formArea->setWidget(m_form);
     formArea->setWidgetResizable(false);
@@ -113,6 +125,8 @@ MainWindow::MainWindow(const QString &databasePath, QWidget *parent)
     splitter->setStretchFactor(1, 1);
     setCentralWidget(splitter);
     statusBar()->showMessage(tr("Sample database: %1").arg(databasePath));
+    if (!databaseProblem.isEmpty())
+        statusBar()->showMessage(tr("The database cannot be read: %1").arg(databaseProblem));
 
     // Changes are gathered and applied once the event loop is idle again.
     auto *pending = new QTimer(this);

@@ -64,6 +64,9 @@ QVariantMap everyKind()
         {QStringLiteral("tiny"), 5e-324},
         {QStringLiteral("string"), QStringLiteral("Öl \"quoted\"\nline")},
         {QStringLiteral("date"), QDateTime(QDate(1601, 1, 1), QTime(0, 0, 0, 1))},
+        {QStringLiteral("ancient"), QDateTime(QDate(-4713, 1, 1), QTime(12, 0))},
+        {QStringLiteral("no date"), QDateTime()},
+        {QStringLiteral("far day"), QDate(12000, 6, 1)},
         {QStringLiteral("list"),
          QVariantList{1, QStringLiteral("x"), QVariant(), QVariantList{2.5}}},
         {QStringLiteral("grid"), QVariant::fromValue(grid)},
@@ -145,7 +148,7 @@ void tst_Values::formRoundTrip()
     auto *first = new ProbeControl(&form);
     first->setObjectName(QStringLiteral("DateTo"));
     first->setIndex(2);
-    first->setGeometry(10, 20, 130, 24);
+    first->setGeometry(10, 2000000, 130, 24); // a host may place a control far out
     const QVariantMap kinds = everyKind();
     for (auto it = kinds.begin(); it != kinds.end(); ++it) {
         first->order.append(it.key());
@@ -166,7 +169,7 @@ void tst_Values::formRoundTrip()
     QCOMPARE(copy->parentWidget(), &loaded);
     QCOMPARE(copy->objectName(), QStringLiteral("DateTo"));
     QCOMPARE(copy->Index(), 2);
-    QCOMPARE(copy->geometry(), QRect(10, 20, 130, 24));
+    QCOMPARE(copy->geometry(), QRect(10, 2000000, 130, 24));
     for (auto it = kinds.begin(); it != kinds.end(); ++it) {
         QVERIFY2(copy->values.contains(it.key()), qPrintable(it.key()));
         QVERIFY2(identical(copy->values.value(it.key()), it.value()), qPrintable(it.key()));

@@ -197,12 +197,17 @@ void frmList::InsertArray()
         return;
     }
 
+    // The rows an upper bound asks for: none for a bound below -1 (an array whose bounds lie
+    // below zero), at most as many as the list holds.
+    const auto reservedRows = [](qint32 upper) {
+        return size_t(qBound(qint64(0), qint64(upper) + 1, qint64(CheckListModel::MaxRows)));
+    };
     // A row that cannot be read ends the loading; the rows before it stay.
     std::vector<CheckListItem> rows;
     attempt([&] {
         if (m_sourceIs2D) {
             const auto array = m_sourceArray.value<VariantArray>();
-            rows.reserve(size_t(qMin(upper2 + 1, CheckListModel::MaxRows)));
+            rows.reserve(reservedRows(upper2));
             for (qint32 i = 0; i <= upper2; ++i) {
                 if (rows.size() == size_t(CheckListModel::MaxRows))
                     throw Error(Overflow);
@@ -211,7 +216,7 @@ void frmList::InsertArray()
         } else {
             const qint32 upper = UBound(m_sourceArray, 1);
             const ElementReader array(m_sourceArray);
-            rows.reserve(size_t(qMin(upper + 1, CheckListModel::MaxRows)));
+            rows.reserve(reservedRows(upper));
             for (qint32 i = 0; i <= upper; ++i) {
                 if (rows.size() == size_t(CheckListModel::MaxRows))
                     throw Error(Overflow);
