@@ -263,6 +263,7 @@ void down(Form &form, const Texts &t)
     for (int i = 0; i < 4; ++i)
         list->AddItem(t.regions.at(i), QString(), i + 1, i == 1 || i == 2);
     form.showAt({40, 40});
+    QTest::mouseClick(part<QWidget>(list, "txt"), Qt::LeftButton); // a press drops the list
 }
 
 } // namespace
