@@ -33,7 +33,9 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size)
         }
         (void)zelkon::Format(1234.5678, text);
         (void)zelkon::Format(number, text);
-        if (std::isfinite(number)) {
+        // CStr keeps 15 significant digits, so the few doubles within a rounding step of the
+        // largest one are written as a number too large to read back: that overflow is correct.
+        if (std::isfinite(number) && std::fabs(number) < 1.79769313486231e308) {
             const QString written = zelkon::CStr(number, locale);
             double back = 0;
             if (!zelkon::parseNumber(written, locale, &back)
