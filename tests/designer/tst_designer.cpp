@@ -83,7 +83,7 @@ void tst_Designer::offersEveryControl()
         offered.append(widget->name());
         widget->initialize(&core);
         QVERIFY(widget->includeFile().startsWith(QLatin1String("zelkon/")));
-        QVERIFY2(!widget->icon().isNull(), qPrintable(widget->name()));
+        QVERIFY2(!widget->icon().pixmap(16).isNull(), qPrintable(widget->name()));
         QWidget *created = widget->createWidget(&form);
         auto *control = qobject_cast<zelkon::Control *>(created);
         QVERIFY2(control, qPrintable(widget->name()));
